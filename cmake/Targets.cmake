@@ -1,0 +1,43 @@
+include(Warnings)
+
+# record_converter_library(NAME SOURCES file... [LINK target...])
+# A static library of our own; headers are included as "folder/Header.h" from src/.
+function(record_converter_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${ARG_LINK})
+    record_converter_warnings(${name})
+endfunction()
+
+# record_converter_test(NAME SOURCES file... [LINK target...] [LABELS label...] [TIMEOUT seconds]
+#                       [ENVIRONMENT name=value...])
+# A GoogleTest program; each of its cases is a CTest test of its own.
+function(record_converter_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest)
+    record_converter_warnings(${name})
+    record_converter_link_runtime(${name})
+    set_target_properties(${name} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+    set(properties TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_LABELS)
+        list(APPEND properties LABELS "${ARG_LABELS}")
+    endif()
+    if(ARG_ENVIRONMENT)
+        list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+endfunction()
+
+# MinGW's runtime is linked in, so that a program or library without Qt needs no DLL of it.
+function(record_converter_link_runtime target)
+    if(MINGW)
+        target_link_options(${target} PRIVATE -static)
+    endif()
+endfunction()

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "zel/IZelMediaConverter.h"
+#include "zel/IZelMediaConverterSink.h"
+#include "zel/IZelTraceSink.h"
+
+#include <cstdint>
+
+/// Exports of the engine's two libraries and the meaning of its result codes.
+namespace zel {
+
+/// "CreateMediaConverter" of mediaconverter: stores a new instance in `*instance`.
+using CreateMediaConverterFunction = std::int32_t (*)(IZelMediaConverter** instance,
+                                                      IZelMediaConverterSink* sink);
+/// "ZelSetTraceSink" of zelclient: null detaches.
+using SetTraceSinkFunction = void (*)(IZelTraceSink* sink);
+/// "ZelSetTraceMaxLevel" of zelclient.
+using SetTraceMaxLevelFunction = void (*)(std::int32_t maxLevel);
+/// "ZelStopConversions" of mediaconverter, optional, offered by our own engine alone: asks every
+/// running conversion to stop, waits for their threads for at most `timeoutMilliseconds`, and
+/// returns 0 when none is left. Stopped conversions report nothing more.
+using StopConversionsFunction = std::int32_t (*)(std::uint32_t timeoutMilliseconds);
+
+inline constexpr std::int32_t kZelSuccess = 0;
+/// Wrong number of source files; 0xFFFFFF9C, so a failure by isFailure() too.
+inline constexpr std::int32_t kZelSrcFileNumberError = -100;
+
+/// A result is a failure when any of its bits 12 to 15 is set.
+constexpr bool isFailure(std::int32_t result) {
+    return (static_cast<std::uint32_t>(result) & 0xF000U) != 0;
+}
+static_assert(isFailure(kZelSrcFileNumberError) && !isFailure(kZelSuccess) && !isFailure(0x0FFF));
+
+} // namespace zel
