@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Sets the machine up, builds, and runs every test.
+# Usage: scripts/test.sh [STAGE...]
+#   dev      Linux build, all tests            asan     address and undefined-behaviour sanitizers
+#   tsan     thread sanitizer, without Qt      windows  MinGW-w64 build, tests under Wine
+#   linux    dev, asan and tsan                (none)   all of them
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+stages=("$@")
+[ ${#stages[@]} -gt 0 ] || stages=(linux windows)
+
+scripts/setup.sh build test
+mkdir -p build
+
+# The sanitizers' defaults carry on after a finding in places; a finding fails the test.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-abort_on_error=0:detect_stack_use_after_return=1:strict_init_order=1}"
+export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1}"
+export TSAN_OPTIONS="${TSAN_OPTIONS:-second_deadlock_stack=1}"
+
+run_preset() {
+    local preset=$1
+    shift
+    echo
+    echo "== $preset"
+    cmake --preset "$preset" "$@" >"build/configure-$preset.log" 2>&1 || {
+        cat "build/configure-$preset.log"
+        return 1
+    }
+    grep -E "^-- record-converter:" "build/configure-$preset.log" || true
+    cmake --build --preset "$preset"
+    ctest --preset "$preset" --no-tests=error
+}
+
+for stage in "${stages[@]}"; do
+    case "$stage" in
+        linux)
+            run_preset dev
+            run_preset asan
+            run_preset tsan
+            ;;
+        dev | asan | tsan) run_preset "$stage" ;;
+        windows)
+            scripts/setup.sh windows
+            prefix=$(scripts/windows-dependencies.sh)
+            run_preset windows "-DRECORD_CONVERTER_WINDOWS_PREFIX=$prefix"
+            ;;
+        *)
+            echo "test.sh: no stage named '$stage' (dev, asan, tsan, linux, windows)" >&2
+            exit 2
+            ;;
+    esac
+done
