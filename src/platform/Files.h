@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,8 +47,8 @@ bool isSameFile(const std::string& left, const std::string& right);
 /// True when the caller may create files in the folder; tried, not guessed.
 bool isFolderWritable(const std::string& folder);
 
-/// The path in the form that the system's wide calls take: `\\?\`-prefixed when long on Windows.
-/// For streams: std::ifstream(std::filesystem::path(nativePath(p))).
-std::wstring nativePath(const std::string& path);
+/// The path in the form that the system's calls take, for streams: std::ifstream(nativePath(p)).
+/// Windows: wide text, `\\?\`-prefixed when long. Linux: the bytes as they are.
+std::filesystem::path nativePath(const std::string& path);
 
 } // namespace tarn::platform

@@ -1,0 +1,115 @@
+#include "platform/Files.h"
+
+#include "platform/linux/SystemPath.h"
+#include "platform/linux/Wildcard.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarn::platform {
+namespace {
+
+std::int64_t inUnits(const timespec& time) {
+    return std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100;
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
+} // namespace
+
+const char* systemPath(const std::string& path) {
+    // A NUL inside would silently name another file; the empty path names none (ENOENT).
+    return path.find('\0') == std::string::npos ? path.c_str() : "";
+}
+
+std::optional<FileDetails> fileDetails(const std::string& path) {
+    struct stat status {};
+    if (stat(systemPath(path), &status) != 0) {
+        return std::nullopt;
+    }
+    return FileDetails{.size = static_cast<std::uint64_t>(status.st_size),
+                       .accessed = inUnits(status.st_atim),
+                       .modified = inUnits(status.st_mtim),
+                       .created = inUnits(status.st_ctim),
+                       .isFolder = S_ISDIR(status.st_mode)};
+}
+
+std::optional<std::vector<FolderEntry>> listFolder(const std::string& folder,
+                                                   std::string_view pattern) {
+    const std::unique_ptr<DIR, CloseFolder> stream(opendir(systemPath(folder)));
+    if (stream == nullptr) {
+        return std::nullopt;
+    }
+    std::vector<FolderEntry> entries;
+    errno = 0;
+    // readdir is safe as long as each stream stays on one thread.
+    while (const dirent* entry = readdir(stream.get())) { // NOLINT(concurrency-mt-unsafe)
+        const std::string_view name = entry->d_name;
+        struct stat status {};
+        if (name != "." && name != ".." && matchesWildcard(name, pattern) &&
+            fstatat(dirfd(stream.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            entries.push_back({.name = std::string(name),
+                               .modified = inUnits(status.st_mtim),
+                               .isFolder = S_ISDIR(status.st_mode)});
+        }
+        errno = 0;
+    }
+    return errno == 0 ? std::optional(std::move(entries)) : std::nullopt;
+}
+
+bool removeFile(const std::string& path) {
+    return unlink(systemPath(path)) == 0;
+}
+
+bool removeEmptyFolder(const std::string& path) {
+    return rmdir(systemPath(path)) == 0;
+}
+
+bool makeFolder(const std::string& path) {
+    return mkdir(systemPath(path), S_IRWXU | S_IRWXG | S_IRWXO) == 0;
+}
+
+bool renamePath(const std::string& from, const std::string& to) {
+    return std::rename(systemPath(from), systemPath(to)) == 0;
+}
+
+bool makeHardLink(const std::string& existing, const std::string& link) {
+    return linkat(AT_FDCWD, systemPath(existing), AT_FDCWD, systemPath(link), AT_SYMLINK_FOLLOW) ==
+           0;
+}
+
+bool isSameFile(const std::string& left, const std::string& right) {
+    struct stat leftStatus {};
+    struct stat rightStatus {};
+    return stat(systemPath(left), &leftStatus) == 0 && stat(systemPath(right), &rightStatus) == 0 &&
+           leftStatus.st_dev == rightStatus.st_dev && leftStatus.st_ino == rightStatus.st_ino;
+}
+
+bool isFolderWritable(const std::string& folder) {
+    std::string probe = systemPath(folder);
+    if (probe.empty()) {
+        errno = ENOENT;
+        return false;
+    }
+    probe += "/.rc-XXXXXX";
+    const int file = mkostemp(probe.data(), O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    close(file);
+    return unlink(probe.c_str()) == 0;
+}
+
+std::filesystem::path nativePath(const std::string& path) {
+    return systemPath(path);
+}
+
+} // namespace tarn::platform

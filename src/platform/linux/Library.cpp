@@ -1,0 +1,101 @@
+#include "platform/Library.h"
+
+#include "logging/LogCall.h"
+#include "platform/KnownFolders.h"
+#include "platform/Text.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <dlfcn.h>
+#include <elf.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarn::platform {
+namespace {
+
+thread_local std::uint32_t lastFailure = 0;
+
+/// dlopen reports text only: finds the errno value that says best why a file would not load.
+int reasonOfFailure(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return errno;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return EISDIR;
+    }
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) {
+        return errno;
+    }
+    std::array<char, SELFMAG> magic{};
+    const bool isElf = read(file, magic.data(), magic.size()) == SELFMAG &&
+                       std::memcmp(magic.data(), ELFMAG, SELFMAG) == 0;
+    close(file);
+    return isElf ? ELIBACC : ELIBBAD;
+}
+
+LibraryHandle load(const std::wstring& widePath) {
+    const std::string path = toUtf8(widePath);
+    // A name without a separator would be searched for in LD_LIBRARY_PATH, a relative path in the
+    // working folder.
+    if (!isAbsolutePath(path) || path.find('\0') != std::string::npos) {
+        lastFailure = EINVAL;
+        return nullptr;
+    }
+    LibraryHandle handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle != nullptr) {
+        return handle;
+    }
+    const char* text = dlerror(); // NOLINT(concurrency-mt-unsafe): per thread in glibc
+    const int reason = reasonOfFailure(path);
+    if (reason != ENOENT && text != nullptr) {
+        TARN_LOG(RootLoggerLevel::Debug, "dlopen: " << text);
+    }
+    lastFailure = static_cast<std::uint32_t>(reason);
+    return nullptr;
+}
+
+} // namespace
+
+LibraryHandle loadWithAlteredSearchPath(const std::wstring& path) {
+    return load(path);
+}
+
+LibraryHandle loadWithSystemSearchPath(const std::wstring& path) {
+    return load(path);
+}
+
+void* findSymbol(LibraryHandle library, const char* name) {
+    // A null handle would mean "search the whole program" to dlsym.
+    void* symbol = library != nullptr ? dlsym(library, name) : nullptr;
+    if (symbol == nullptr) {
+        lastFailure = library != nullptr ? ENOENT : EINVAL;
+    }
+    return symbol;
+}
+
+bool unload(LibraryHandle library) {
+    if (library == nullptr || dlclose(library) != 0) {
+        lastFailure = EINVAL;
+        return false;
+    }
+    return true;
+}
+
+bool addLibraryFolder(const std::wstring& /*folder*/) {
+    return true;
+}
+
+std::uint32_t lastError() {
+    return lastFailure;
+}
+
+std::string libraryFileName(const std::string& baseName) {
+    return "lib" + baseName + ".so";
+}
+
+} // namespace tarn::platform
