@@ -1,0 +1,35 @@
+#pragma once
+
+#include "logging/LogCall.h"
+
+#include <string_view>
+
+namespace tarn {
+
+/// Names an operation to the logger: its opening is a Trace record, and the lines that belong to it
+/// carry its name as their function. Costs one test of the level gate.
+class LogScope {
+public:
+    /// `name` outlives the scope: a literal.
+    LogScope(std::string_view name, std::string_view file, int line) : mName(name), mFile(file) {
+        if (isLogEnabled(RootLoggerLevel::Trace)) {
+            writeLog(std::string(name), RootLoggerLevel::Trace, line, file, name);
+        }
+    }
+
+    void log(RootLoggerLevel::Level level, int line, LogStream& text) const {
+        if (isLogEnabled(level)) {
+            writeLog(text.take(), level, line, mFile, mName);
+        }
+    }
+
+private:
+    std::string_view mName;
+    std::string_view mFile;
+};
+
+} // namespace tarn
+
+/// Opens the scope of an operation of FileUtils until the end of the block.
+#define TARN_FILE_UTILS_SCOPE(operation) \
+    const ::tarn::LogScope scope("FileUtils::" operation, ::tarn::sourceName(__FILE__), __LINE__)
