@@ -16,4 +16,8 @@ std::string toUtf8(std::wstring_view wide);
 /// True when the whole text is well-formed UTF-8 (no overlong forms, no surrogates).
 bool isValidUtf8(std::string_view text);
 
+/// Whether a text begins with another without regard to case, as the system compares file names
+/// (`StrCmpNIW`; simple case folding by the C locale on Linux).
+bool startsWithIgnoringCase(std::wstring_view text, std::wstring_view prefix);
+
 } // namespace tarn::platform

@@ -2,6 +2,9 @@
 
 #include "platform/Utf8.h"
 
+#include <algorithm>
+#include <cwctype>
+
 namespace tarn::platform {
 
 std::wstring toWide(std::string_view utf8) {
@@ -34,6 +37,14 @@ bool isValidUtf8(std::string_view text) {
         position += character.length;
     }
     return true;
+}
+
+bool startsWithIgnoringCase(std::wstring_view text, std::wstring_view prefix) {
+    const auto folded = [](wchar_t character) {
+        return std::towlower(static_cast<std::wint_t>(character));
+    };
+    return text.size() >= prefix.size() &&
+           std::ranges::equal(text.substr(0, prefix.size()), prefix, {}, folded, folded);
 }
 
 } // namespace tarn::platform
