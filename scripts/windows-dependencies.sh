@@ -1,0 +1,179 @@
+#!/usr/bin/env bash
+# Makes what the Windows build links besides MinGW's own libraries, and prints the folder it is in:
+# zlib (Debian's libz-mingw-w64-dev), minizip, libx264 and a small static FFmpeg, cross-built from
+# Debian's source packages.
+#
+# usage: scripts/windows-dependencies.sh [--print-prefix]
+#   --print-prefix   only print the folder, whether or not it has been made
+#
+# The folder lies outside the tree and is named by everything that decides its contents, so only the
+# first run pays (two to four minutes on two cores). `cmake --preset windows` finds it by itself;
+# RECORD_CONVERTER_WINDOWS_PREFIX, set in the environment of both, names another one.
+#
+# Needs: g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev nasm make pkg-config.
+#
+# libx264 makes this FFmpeg, and so the engine's Windows library as built, subject to the GPL, as
+# Debian's own FFmpeg is. RECORD_CONVERTER_X264=0 leaves it out; videos that MP4 cannot carry then
+# become H.264 by Media Foundation, or MPEG-4 where Windows has no Media Foundation encoder.
+set -euo pipefail
+
+readonly target=x86_64-w64-mingw32
+readonly with_x264=${RECORD_CONVERTER_X264:-1}
+script=$(readlink -f "${BASH_SOURCE[0]}")
+cache=${XDG_CACHE_HOME:-$HOME/.cache}/record-converter
+
+say() { printf '%s\n' "windows-dependencies: $*" >&2; }
+fail() { say "$*"; exit 1; }
+
+# The versions are those of this system's packages; the sources taken are of the same release.
+installed_version() { dpkg-query -W -f '${Version}' "$1" 2>/dev/null || echo none; }
+
+prefix_folder() {
+    local key
+    key=$({ cat "$script"; echo "$with_x264"; "$target-gcc-posix" -dumpfullversion
+            installed_version libz-mingw-w64-dev
+            installed_version libavcodec-dev; } | sha256sum | cut -c 1-12)
+    echo "$cache/windows-$key"
+}
+
+# apt with the machine's own package sources, asked for sources instead of binaries, and with state
+# of its own: the machine's lists and configuration stay as they are.
+private_apt() {
+    local state=$work/apt
+    if [ ! -d "$state" ]; then
+        mkdir -p "$state/parts" "$state/lists/partial" "$state/cache/archives/partial"
+        local file
+        for file in /etc/apt/sources.list.d/*.sources; do
+            [ -e "$file" ] && sed 's/^Types:.*/Types: deb-src/' "$file" \
+                >"$state/parts/$(basename "$file")"
+        done
+        for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
+            [ -e "$file" ] && sed -n 's/^deb\([[:space:]]\)/deb-src\1/p' "$file" \
+                >"$state/parts/$(basename "$file" .list).list"
+        done
+    fi
+    apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$state/parts" \
+        -o Dir::State::lists="$state/lists" -o Dir::Cache="$state/cache" \
+        -o APT::Update::Post-Invoke-Success::= -o APT::Sandbox::User= \
+        -o Acquire::Languages=none -o Acquire::Retries=3 "$@"
+}
+
+# fetch_source PACKAGE: unpacks it, Debian's patches applied, into $work/PACKAGE.
+fetch_source() {
+    mkdir -p "$work/fetch-$1"
+    (cd "$work/fetch-$1" && private_apt source --only-source "$1") >>"$log" 2>&1 ||
+        fail "cannot get the source of $1, see $log"
+    basename "$work/fetch-$1"/*.dsc .dsc >>"$work/VERSIONS"
+    mv "$work/fetch-$1"/*/ "$work/$1"
+}
+
+# FFmpeg keeps the configured folder as a text in the library, so that is /opt; the .pc files find
+# themselves.
+install_from_make() {
+    make install DESTDIR="$work/stage"
+    sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L$prefix/lib||g" \
+        "$work"/stage/opt/lib/pkgconfig/*.pc
+    cp -r "$work/stage/opt/." "$prefix/"
+}
+
+build_minizip() (
+    cd "$work/minizip"
+    local sources=(zip unzip ioapi iowin32) source
+    for source in "${sources[@]}"; do
+        $launcher $target-gcc-posix -O2 -I. -c "$source.c" -o "$source.o"
+    done
+    "$target-ar" rcs libminizip.a "${sources[@]/%/.o}"
+    mkdir -p "$prefix/include/minizip" "$prefix/lib/pkgconfig"
+    cp libminizip.a "$prefix/lib/"
+    cp zip.h unzip.h ioapi.h iowin32.h crypt.h "$prefix/include/minizip/"
+    cat >"$prefix/lib/pkgconfig/minizip.pc" <<'END'
+prefix=${pcfiledir}/../..
+Name: minizip
+Description: zip archives
+Version: 1.1
+Requires: zlib
+Libs: -L${prefix}/lib -lminizip
+Cflags: -I${prefix}/include/minizip
+END
+)
+
+build_x264() (
+    cd "$work/x264"
+    CC="$launcher $target-gcc-posix" ./configure --host=$target --cross-prefix=$target- --prefix=/opt \
+        --enable-static --disable-cli --disable-opencl --bit-depth=8 --chroma-format=420 \
+        --disable-avs --disable-swscale --disable-lavf --disable-ffms --disable-gpac --disable-lsmash
+    make -j"$jobs"
+    install_from_make
+)
+
+# Only what recordings are made of. AV1 needs no decoder here: MP4 carries it, so it is copied.
+build_ffmpeg() (
+    cd "$work/ffmpeg"
+    local demuxers=matroska,mov,flv,live_flv,mpegts,mpegps,avi,asf,ogg,wav,w64,mp3,aac,ac3,flac,h264
+    local decoders=h264,hevc,vp8,vp9,mpeg4,mpeg1video,mpeg2video,h263,flv,mjpeg,theora,vc1,wmv3
+    decoders+=,flashsv,flashsv2,rawvideo,aac,aac_latm,opus,vorbis,mp2,mp3,ac3,eac3,flac,alac
+    decoders+=,wmav1,wmav2,nellymoser,speex,adpcm_swf,adpcm_ms,adpcm_ima_wav,gsm_ms
+    decoders+=,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s32le,pcm_f32le,pcm_f64le,pcm_u8,pcm_s8
+    decoders+=,pcm_mulaw,pcm_alaw
+    local parsers=h264,hevc,vp8,vp9,av1,aac,aac_latm,ac3,opus,vorbis,mpegaudio,mpeg4video
+    parsers+=,mpegvideo,flac,h263,mjpeg,vc1
+    local filters=aac_adtstoasc,av1_frame_merge,extract_extradata,h264_mp4toannexb,hevc_mp4toannexb
+    filters+=,mpeg4_unpack_bframes,vp9_superframe,vp9_superframe_split,opus_metadata,null
+    local encoders=aac,mpeg4,pcm_s16le,rawvideo,h264_mf video=(--enable-mediafoundation)
+    if [ "$with_x264" != 0 ]; then
+        encoders=aac,mpeg4,pcm_s16le,rawvideo,libx264
+        video=(--enable-gpl --enable-libx264)
+    fi
+    ./configure --prefix=/opt --enable-cross-compile --arch=x86_64 --target-os=mingw64 \
+        --cross-prefix=$target- --cc="$launcher $target-gcc-posix" --cxx=$target-g++-posix \
+        --pkg-config=pkg-config --pkg-config-flags=--static \
+        --disable-everything --disable-autodetect --disable-programs --disable-doc \
+        --disable-network --disable-avdevice --disable-avfilter --disable-postproc \
+        --disable-debug --enable-static --disable-shared --enable-w32threads --enable-zlib \
+        --enable-protocol=file --enable-demuxer=$demuxers --enable-decoder=$decoders \
+        --enable-parser=$parsers --enable-bsf=$filters --enable-encoder=$encoders \
+        --enable-muxer=mp4,mov,matroska,webm,wav,mpegts,null "${video[@]}"
+    make -j"$jobs"
+    install_from_make
+)
+
+[ -n "${RECORD_CONVERTER_WINDOWS_PREFIX:-}" ] && { echo "$RECORD_CONVERTER_WINDOWS_PREFIX"; exit 0; }
+command -v $target-gcc-posix >/dev/null || fail "no $target-gcc-posix: install g++-mingw-w64-x86-64-posix"
+final=$(prefix_folder)
+if [ "${1:-}" = --print-prefix ] || [ -e "$final/VERSIONS" ]; then
+    echo "$final"
+    exit 0
+fi
+[ -e /usr/$target/lib/libz.a ] || fail "no zlib for MinGW: install libz-mingw-w64-dev"
+for tool in dpkg-source nasm make pkg-config; do
+    command -v $tool >/dev/null || fail "$tool is missing"
+done
+
+mkdir -p "$cache"
+exec 9>"$final.lock" # two builds at once would write the same folder
+flock 9
+[ -e "$final/VERSIONS" ] && { echo "$final"; exit 0; }
+
+work=$(mktemp -d "$cache/work.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+log=$final.log
+prefix=$work/prefix
+jobs=$(nproc)
+launcher=$(command -v ccache || true)
+export PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig:/usr/$target/lib/pkgconfig
+mkdir -p "$prefix"
+
+say "building for Windows into $final (log: $log)"
+private_apt update >"$log" 2>&1 || fail "cannot read the package sources' index, see $log"
+packages=(minizip ffmpeg)
+[ "$with_x264" = 0 ] || packages=(minizip x264 ffmpeg)
+for package in "${packages[@]}"; do
+    fetch_source "$package"
+    # In the background, because a function called in a condition ignores errexit.
+    "build_$package" >>"$log" 2>&1 &
+    wait $! || { tail -n 20 "$log" >&2; fail "$package failed, see $log"; }
+done
+mv "$work/VERSIONS" "$prefix/VERSIONS"
+rm -rf "$final"
+mv "$prefix" "$final" # whole or not at all
+echo "$final"
