@@ -1,7 +1,7 @@
 #include "platform/Files.h"
 
+#include "platform/Wildcard.h"
 #include "platform/linux/SystemPath.h"
-#include "platform/linux/Wildcard.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -28,17 +28,6 @@ std::string toUtf8(std::wstring_view wide) {
     return text;
 }
 
-bool isValidUtf8(std::string_view text) {
-    for (std::size_t position = 0; position < text.size();) {
-        const DecodedCharacter character = decodeUtf8(text, position);
-        if (!character.valid) {
-            return false;
-        }
-        position += character.length;
-    }
-    return true;
-}
-
 bool startsWithIgnoringCase(std::wstring_view text, std::wstring_view prefix) {
     const auto folded = [](wchar_t character) {
         return std::towlower(static_cast<std::wint_t>(character));
