@@ -1,0 +1,28 @@
+#pragma once
+
+#include "logging/BaseFileLogger.h"
+
+#include <functional>
+#include <memory>
+
+namespace tarn {
+
+/// The file logger of the program; always created as a shared object.
+class FileLogger : public BaseFileLogger, public std::enable_shared_from_this<FileLogger> {
+public:
+    using Job = std::function<void()>;
+    /// Runs a job somewhere, now or later.
+    using ArchiveExecutor = std::function<void(Job)>;
+
+    /// Without an executor, jobs run at once on the thread that hands them in.
+    FileLogger(const std::string& folder, std::int64_t size, std::shared_ptr<IFileUtils> fileUtils,
+               ArchiveExecutor archiveExecutor, bool keepWhileFailed);
+    ~FileLogger() override;
+
+    void moveFiles(const std::shared_ptr<IFileUtils>& fileUtils, const PathPairs& pairs) override;
+
+private:
+    ArchiveExecutor mArchiveExecutor;
+};
+
+} // namespace tarn
