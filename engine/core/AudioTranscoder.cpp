@@ -1,0 +1,225 @@
+#include "engine/core/AudioTranscoder.h"
+
+#include "engine/core/Trace.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+namespace zelcore {
+
+namespace {
+
+constexpr std::int64_t kBitsPerChannel = 80'000;
+// Smaller deviations are the rounding of containers that count in milliseconds.
+constexpr int kToleratedPartOfSecond = 10;
+constexpr int kSilencePiece = 8192;
+
+int bestRate(const AVCodec& codec, int wanted) {
+    if (codec.supported_samplerates == nullptr) {
+        return wanted;
+    }
+    int best = codec.supported_samplerates[0];
+    for (const int* rate = codec.supported_samplerates; *rate != 0; ++rate) {
+        if (std::abs(*rate - wanted) < std::abs(best - wanted)) {
+            best = *rate;
+        }
+    }
+    return best;
+}
+
+CodecPtr configuredEncoder(const TrackPlan& plan) {
+    const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
+    if (codec == nullptr) {
+        throw Failure(ErrorCode::UnsupportedCodec, "No encoder for sound is present");
+    }
+    const AVCodecParameters& from = *plan.reference->codecpar;
+    if (from.sample_rate <= 0 || from.ch_layout.nb_channels <= 0) {
+        throw Failure(ErrorCode::SourceDamaged,
+                      "An audio stream does not say its sample rate and channels");
+    }
+    auto encoder = owned<CodecPtr>(avcodec_alloc_context3(codec));
+    // The encoder's layouts are the default ones; more than its eight channels become two.
+    const int channels = from.ch_layout.nb_channels;
+    av_channel_layout_default(&encoder->ch_layout, channels > 8 || channels == 7 ? 2 : channels);
+    encoder->sample_fmt = codec->sample_fmts[0];
+    encoder->sample_rate = bestRate(*codec, from.sample_rate);
+    encoder->bit_rate = kBitsPerChannel * encoder->ch_layout.nb_channels;
+    encoder->time_base = av_make_q(1, encoder->sample_rate);
+    trace(TraceLevel::Info,
+          text("Sound is encoded by ", codec->name, ", ", encoder->sample_rate, " Hz, ",
+               encoder->ch_layout.nb_channels, " channels: ", plan.reason));
+    return encoder;
+}
+
+} // namespace
+
+AudioTranscoder::AudioTranscoder(const TrackPlan& plan, Muxer& muxer)
+    : mEncoder(configuredEncoder(plan), muxer),
+      mQueue(owned<SampleFifoPtr>(av_audio_fifo_alloc(mEncoder.codec().sample_fmt,
+                                                      mEncoder.codec().ch_layout.nb_channels,
+                                                      mEncoder.codec().sample_rate))) {
+    copyTrackProperties(*plan.reference, mEncoder.addTrack());
+}
+
+void AudioTranscoder::beginPart(const AVStream& stream, Ticks offset) {
+    mDecoder.emplace(stream);
+    mTimeBase = stream.time_base;
+    mOffset = offset;
+}
+
+void AudioTranscoder::accept(AVPacket& packet) {
+    mDecoder->decode(&packet, [this](const AVFrame& sound) { take(sound); });
+}
+
+void AudioTranscoder::endPart() {
+    mDecoder->decode(nullptr, [this](const AVFrame& sound) { take(sound); });
+    mDecoder->throwIfNothingDecoded();
+    mDecoder.reset();
+    if (mResampler != nullptr) {
+        resample(nullptr);
+        mResampler.reset();
+        encodeQueued(false);
+    }
+}
+
+void AudioTranscoder::finish() {
+    encodeQueued(true);
+    mEncoder.encode(nullptr);
+}
+
+void AudioTranscoder::take(const AVFrame& sound) {
+    if (mResampler == nullptr || sound.format != mInputFormat || sound.sample_rate != mInputRate ||
+        sound.ch_layout.nb_channels != mInputChannels) {
+        openResampler(sound);
+    }
+    const AVRational samples = mEncoder.codec().time_base;
+    if (sound.best_effort_timestamp != kNoTime) {
+        // The resampler's own delay lies between the queue's end and this frame.
+        bridgeTo(av_rescale_q(toTicks(sound.best_effort_timestamp, mTimeBase) + mOffset, kTicks,
+                              samples) -
+                 swr_get_delay(mResampler.get(), samples.den));
+    } else if (mQueueEnd == kNoTime) {
+        mQueueEnd = 0;
+    }
+    resample(&sound);
+    encodeQueued(false);
+}
+
+void AudioTranscoder::openResampler(const AVFrame& sound) {
+    if (mResampler != nullptr) {
+        resample(nullptr); // the source changed its format on the way
+    }
+    const AVCodecContext& to = mEncoder.codec();
+    AVChannelLayout from{};
+    if (sound.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
+        av_channel_layout_default(&from, sound.ch_layout.nb_channels);
+    } else {
+        require(av_channel_layout_copy(&from, &sound.ch_layout), "channel layout");
+    }
+    // This FFmpeg's function takes both layouts without const and only reads them.
+    auto* layout = const_cast<AVChannelLayout*>(&to.ch_layout);
+    SwrContext* resampler = nullptr;
+    int result = swr_alloc_set_opts2(&resampler, layout, to.sample_fmt, to.sample_rate, &from,
+                                     static_cast<AVSampleFormat>(sound.format), sound.sample_rate,
+                                     0, nullptr);
+    av_channel_layout_uninit(&from);
+    mResampler.reset(resampler);
+    result = result < 0 ? result : swr_init(mResampler.get());
+    if (result < 0) {
+        throw Failure(ErrorCode::UnsupportedCodec,
+                      text("Sound of this kind cannot be converted: ", ffmpegErrorText(result)));
+    }
+    mInputFormat = sound.format;
+    mInputRate = sound.sample_rate;
+    mInputChannels = sound.ch_layout.nb_channels;
+}
+
+void AudioTranscoder::bridgeTo(std::int64_t time) {
+    if (mQueueEnd == kNoTime) {
+        mQueueEnd = time;
+        return;
+    }
+    const int rate = mEncoder.codec().sample_rate;
+    std::int64_t gap = time - mQueueEnd;
+    if (std::abs(gap) <= rate / kToleratedPartOfSecond) {
+        return;
+    }
+    trace(TraceLevel::Debug, text("Sound jumps by ", static_cast<double>(gap) / rate, " s"));
+    if (gap < 0) {
+        mToSkip = static_cast<int>(std::min<std::int64_t>(-gap, INT32_MAX));
+        return;
+    }
+    const FramePtr silence = soundFrame(kSilencePiece);
+    av_samples_set_silence(silence->extended_data, 0, kSilencePiece, silence->ch_layout.nb_channels,
+                           mEncoder.codec().sample_fmt);
+    for (; gap > 0; gap -= silence->nb_samples) {
+        silence->nb_samples = static_cast<int>(std::min<std::int64_t>(gap, kSilencePiece));
+        queue(*silence, 0);
+        encodeQueued(false);
+    }
+}
+
+void AudioTranscoder::resample(const AVFrame* sound) {
+    const int most =
+        swr_get_out_samples(mResampler.get(), sound == nullptr ? 0 : sound->nb_samples);
+    require(most, "resampler");
+    if (most == 0) {
+        return;
+    }
+    const FramePtr samples = soundFrame(most);
+    auto** data =
+        sound == nullptr ? nullptr : const_cast<const std::uint8_t**>(sound->extended_data);
+    const int got = swr_convert(mResampler.get(), samples->extended_data, most, data,
+                                sound == nullptr ? 0 : sound->nb_samples);
+    require(got, "resampler");
+    samples->nb_samples = got;
+    const int skip = std::min(got, mToSkip);
+    mToSkip -= skip;
+    queue(*samples, skip);
+}
+
+void AudioTranscoder::queue(const AVFrame& samples, int skip) {
+    const int count = samples.nb_samples - skip;
+    if (count <= 0) {
+        return;
+    }
+    const AVCodecContext& to = mEncoder.codec();
+    const bool isPlanar = av_sample_fmt_is_planar(to.sample_fmt) != 0;
+    const std::ptrdiff_t step = static_cast<std::ptrdiff_t>(skip) *
+                                av_get_bytes_per_sample(to.sample_fmt) *
+                                (isPlanar ? 1 : to.ch_layout.nb_channels);
+    std::array<void*, AV_NUM_DATA_POINTERS> planes{};
+    for (int i = 0; i < (isPlanar ? to.ch_layout.nb_channels : 1); ++i) {
+        planes[static_cast<std::size_t>(i)] = samples.extended_data[i] + step;
+    }
+    require(av_audio_fifo_write(mQueue.get(), planes.data(), count), "sound queue");
+    mQueueEnd += count;
+}
+
+void AudioTranscoder::encodeQueued(bool isEnd) {
+    const int whole = mEncoder.codec().frame_size > 0 ? mEncoder.codec().frame_size : 1024;
+    for (int queued = av_audio_fifo_size(mQueue.get()); queued >= whole || (isEnd && queued > 0);
+         queued = av_audio_fifo_size(mQueue.get())) {
+        const FramePtr sound = soundFrame(std::min(queued, whole));
+        sound->pts = mQueueEnd - queued;
+        require(av_audio_fifo_read(mQueue.get(), reinterpret_cast<void**>(sound->extended_data),
+                                   sound->nb_samples),
+                "sound queue");
+        mEncoder.setFrameDuration(sound->nb_samples);
+        mEncoder.encode(sound.get());
+    }
+}
+
+FramePtr AudioTranscoder::soundFrame(int samples) const {
+    FramePtr frame = makeFrame();
+    frame->nb_samples = samples;
+    frame->format = mEncoder.codec().sample_fmt;
+    frame->sample_rate = mEncoder.codec().sample_rate;
+    require(av_channel_layout_copy(&frame->ch_layout, &mEncoder.codec().ch_layout),
+            "channel layout");
+    require(av_frame_get_buffer(frame.get(), 0), "sound buffer");
+    return frame;
+}
+
+} // namespace zelcore

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "engine/core/Decoder.h"
+#include "engine/core/Encoder.h"
+#include "engine/core/Track.h"
+
+#include <optional>
+
+namespace zelcore {
+
+/// Decodes sound and encodes it as AAC. Time is counted in samples; a gap in the source becomes
+/// silence and an overlap is cut, so that sound and picture stay together.
+class AudioTranscoder : public Track {
+public:
+    AudioTranscoder(const TrackPlan& plan, Muxer& muxer);
+
+    void beginPart(const AVStream& stream, Ticks offset) override;
+    void accept(AVPacket& packet) override;
+    void endPart() override;
+    void finish() override;
+
+private:
+    void take(const AVFrame& sound);
+    /// Resamples a frame, or null for what the resampler still holds, into the queue.
+    void resample(const AVFrame* sound);
+    void openResampler(const AVFrame& sound);
+    /// Moves the queue's end to `time`, in samples.
+    void bridgeTo(std::int64_t time);
+    void queue(const AVFrame& samples, int skip);
+    /// Encodes whole frames; at the end also a last, shorter one.
+    void encodeQueued(bool isEnd);
+    FramePtr soundFrame(int samples) const;
+
+    Encoder mEncoder;
+    SampleFifoPtr mQueue;
+    ResamplerPtr mResampler;
+    std::optional<Decoder> mDecoder;
+    AVRational mTimeBase{};
+    Ticks mOffset = 0;
+    std::int64_t mQueueEnd = kNoTime; ///< time of the sample that comes next into the queue
+    int mInputFormat = AV_SAMPLE_FMT_NONE;
+    int mInputRate = 0;
+    int mInputChannels = 0;
+    int mToSkip = 0; ///< samples of an overlap that are still to be cut
+};
+
+} // namespace zelcore

@@ -1,0 +1,98 @@
+#include "engine/core/ConversionJob.h"
+
+#include "engine/core/DestinationFile.h"
+#include "engine/core/PartJoiner.h"
+#include "engine/core/Trace.h"
+#include "engine/core/Verifier.h"
+
+namespace zelcore {
+
+namespace {
+
+Sources openSources(const std::vector<std::string>& paths, const StopFlag& stop) {
+    Sources sources;
+    for (const std::string& path : paths) {
+        sources.push_back(std::make_unique<Source>(path, stop));
+        sources.back()->discardUnwanted();
+    }
+    return sources;
+}
+
+void traceJob(const Sources& sources, const std::vector<TrackPlan>& plans) {
+    for (const auto& source : sources) {
+        trace(TraceLevel::Info,
+              text("Source \"", source->path(), "\": ", source->format().iformat->name, ", ",
+                   toSeconds(source->duration()), " s, ", source->file().state().size, " bytes"));
+    }
+    for (std::size_t track = 0; track < plans.size(); ++track) {
+        trace(TraceLevel::Info, text("Track ", track, ": ",
+                                     avcodec_get_name(plans[track].reference->codecpar->codec_id),
+                                     plans[track].isCopied ? " is copied" : " is transcoded"));
+    }
+}
+
+} // namespace
+
+ConversionJob::ConversionJob(std::vector<std::string> sources, std::string destination,
+                             zel::IZelMediaConverterSink* sink)
+    : mSources(std::move(sources)), mDestination(std::move(destination)), mSink(sink) {
+}
+
+void ConversionJob::run() noexcept {
+    try {
+        convert();
+    } catch (const Stopped&) {
+        trace(TraceLevel::Info, "Conversion stopped");
+    } catch (const Failure& failure) {
+        report(failure.code(), failure.what());
+    } catch (const std::bad_alloc&) {
+        report(ErrorCode::OutOfMemory, "Out of memory");
+    } catch (const std::exception& error) {
+        report(ErrorCode::InternalError, error.what());
+    } catch (...) {
+        report(ErrorCode::InternalError, "Unknown failure");
+    }
+}
+
+void ConversionJob::convert() {
+    DestinationFile destination(mDestination, mSources, mStop);
+    const Sources sources = openSources(mSources, mStop);
+    const std::vector<TrackPlan> plans = planTracks(sources);
+    traceJob(sources, plans);
+    Progress progress([this](float percent) {
+        mSink.call([percent](zel::IZelMediaConverterSink& sink) { sink.OnProgress(percent); });
+    });
+    std::vector<WrittenTrack> written;
+    {
+        Muxer muxer(destination);
+        muxer.copyMetadata(sources.front()->format());
+        std::vector<std::unique_ptr<Track>> tracks;
+        for (const TrackPlan& plan : plans) {
+            tracks.push_back(makeTrack(plan, muxer));
+        }
+        muxer.writeHeader();
+        PartJoiner(sources, plans, tracks, mStop, progress).run();
+        muxer.finish();
+        written = muxer.written();
+    }
+    destination.closeDurably();
+    mStop.throwIfRaised();
+    verify(destination.temporaryPath(), destination.size(), written, mStop);
+    mStop.throwIfRaised();
+    destination.commit();
+    trace(TraceLevel::Info,
+          text("Destination \"", mDestination, "\" is complete: ", destination.size(), " bytes"));
+    progress.complete();
+}
+
+void ConversionJob::report(ErrorCode code, const char* why) noexcept {
+    try {
+        trace(TraceLevel::Error, text("Error ", static_cast<std::int32_t>(code), ": ", why));
+        mSink.call([code](zel::IZelMediaConverterSink& sink) {
+            sink.OnError(static_cast<std::int32_t>(code));
+        });
+    } catch (...) { // NOLINT(bugprone-empty-catch): out of memory while telling so
+    }
+}
+
+} // namespace zelcore

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "engine/core/ErrorCode.h"
+#include "engine/core/SinkGate.h"
+#include "engine/core/StopFlag.h"
+#include "zel/IZelMediaConverterSink.h"
+
+#include <string>
+#include <vector>
+
+namespace zelcore {
+
+using ConverterSinkGate = SinkGate<zel::IZelMediaConverterSink>;
+
+/// One conversion, from the sources' names to the destination or an error.
+class ConversionJob {
+public:
+    ConversionJob(std::vector<std::string> sources, std::string destination,
+                  zel::IZelMediaConverterSink* sink);
+
+    /// On the conversion's own thread. Reports one 100 or one error, then nothing more; a job that
+    /// was stopped reports neither.
+    void run() noexcept;
+    void stop() { mStop.raise(); }
+    ConverterSinkGate& sink() { return mSink; }
+
+private:
+    void convert();
+    void report(ErrorCode code, const char* why) noexcept;
+
+    const std::vector<std::string> mSources;
+    const std::string mDestination;
+    StopFlag mStop;
+    ConverterSinkGate mSink;
+};
+
+} // namespace zelcore

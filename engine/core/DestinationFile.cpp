@@ -1,0 +1,215 @@
+#include "engine/core/DestinationFile.h"
+
+#include "engine/core/LiveTemporaries.h"
+#include "engine/core/Trace.h"
+#include "engine/platform/OsPath.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+
+namespace zelcore {
+
+namespace {
+
+constexpr int kBufferSize = 1024 * 1024;
+// The disk starts early and never has more than two such windows to catch up with: a sync at the
+// end, or a stop, waits for little.
+constexpr std::uint64_t kWriteBackWindow = 16 * 1024 * 1024;
+constexpr const char* kTemporarySuffix = ".part";
+
+/// ".name." with the name cut, between two characters, so that numbers and suffix still fit into
+/// the 255 bytes that file systems allow.
+std::string temporaryPrefix(const std::string& destination) {
+    std::string name = nameOf(destination);
+    if (name.size() > 200) {
+        std::size_t end = 200;
+        while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U) {
+            --end;
+        }
+        name.resize(end);
+    }
+    return "." + name + ".";
+}
+
+} // namespace
+
+DestinationFile::DestinationFile(std::string destination, const std::vector<std::string>& sources,
+                                 const StopFlag& stop)
+    : mDestination(std::move(destination)), mFolder(folderOf(mDestination)), mStop(stop) {
+    refuseUnlessFree(sources);
+    removeLeftovers();
+    createTemporary();
+    auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferSize));
+    mIo.reset(avio_alloc_context(buffer, kBufferSize, 1, this, nullptr, &onWrite, &onSeek));
+    if (mIo == nullptr) {
+        av_free(buffer);
+        LiveTemporaries::instance().remove(mTemporary);
+        throw std::bad_alloc();
+    }
+}
+
+DestinationFile::~DestinationFile() {
+    mFile.close();
+    mHold.close();
+    LiveTemporaries::instance().remove(mTemporary);
+}
+
+void DestinationFile::refuseUnlessFree(const std::vector<std::string>& sources) const {
+    FileState folder;
+    if (stateOf(mFolder, folder) != 0 || !folder.isFolder) {
+        throw Failure(ErrorCode::DestinationFolderMissing,
+                      text("The destination's folder \"", mFolder, "\" does not exist"));
+    }
+    FileState existing;
+    const int error = stateOf(mDestination, existing);
+    if (error == ENOENT) {
+        return;
+    }
+    if (error != 0) {
+        fail(error, "looking at it");
+    }
+    if (!existing.isOrdinary) {
+        throw Failure(ErrorCode::DestinationNotAFile,
+                      text("Destination \"", mDestination, "\" is there and is no ordinary file"));
+    }
+    for (const std::string& source : sources) {
+        FileState state;
+        if (stateOf(source, state) == 0 && state.isSameFileAs(existing)) {
+            throw Failure(
+                ErrorCode::DestinationIsSource,
+                text("Destination \"", mDestination, "\" is the source \"", source, "\""));
+        }
+    }
+}
+
+void DestinationFile::removeLeftovers() const {
+    for (const std::string& name :
+         namesIn(mFolder, temporaryPrefix(mDestination), kTemporarySuffix)) {
+        if (removeUnlessInUse(joinPath(mFolder, name))) {
+            trace(TraceLevel::Info,
+                  text("Removed \"", name, "\", left behind by a conversion that was cut off"));
+        }
+    }
+}
+
+void DestinationFile::createTemporary() {
+    static std::atomic<unsigned> number{0};
+    for (;;) {
+        mTemporary = joinPath(mFolder, text(temporaryPrefix(mDestination), currentProcessId(), "-",
+                                            ++number, kTemporarySuffix));
+        if (!LiveTemporaries::instance().add(mTemporary)) {
+            throw Stopped{};
+        }
+        const int error = OsFile::createNew(mTemporary, mFile);
+        if (error == 0) {
+            return;
+        }
+        // Not ours: forget the name without removing the file.
+        LiveTemporaries::instance().forget(mTemporary);
+        if (error != EEXIST) {
+            fail(error, "creating it");
+        }
+    }
+}
+
+int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept {
+    auto& file = *static_cast<DestinationFile*>(self);
+    if (file.mStop.isRaised()) {
+        return AVERROR_EXIT;
+    }
+    if (file.mError == 0) {
+        file.mError = file.mFile.writeAt(file.mPosition, data, static_cast<std::size_t>(size));
+    }
+    if (file.mError != 0) {
+        return AVERROR(file.mError);
+    }
+    file.mPosition += static_cast<std::uint64_t>(size);
+    file.mSize = std::max(file.mSize, file.mPosition);
+    file.pushOutWritten();
+    return size;
+}
+
+void DestinationFile::pushOutWritten() {
+    while (mSize - mPushedOut >= kWriteBackWindow) {
+        mFile.startWriteBack(mPushedOut, kWriteBackWindow);
+        if (mPushedOut >= 2 * kWriteBackWindow) {
+            mFile.awaitWriteBack(mPushedOut - 2 * kWriteBackWindow, kWriteBackWindow);
+        }
+        mPushedOut += kWriteBackWindow;
+    }
+}
+
+std::int64_t DestinationFile::onSeek(void* self, std::int64_t offset, int whence) noexcept {
+    auto& file = *static_cast<DestinationFile*>(self);
+    switch (whence & ~AVSEEK_FORCE) {
+        case AVSEEK_SIZE:
+            return static_cast<std::int64_t>(file.mSize);
+        case SEEK_SET:
+            break;
+        case SEEK_CUR:
+            offset += static_cast<std::int64_t>(file.mPosition);
+            break;
+        case SEEK_END:
+            offset += static_cast<std::int64_t>(file.mSize);
+            break;
+        default:
+            return AVERROR(EINVAL);
+    }
+    if (offset < 0) {
+        return AVERROR(EINVAL);
+    }
+    file.mPosition = static_cast<std::uint64_t>(offset);
+    return offset;
+}
+
+void DestinationFile::throwIfFailed() const {
+    if (mError != 0) {
+        fail(mError, "writing it");
+    }
+}
+
+void DestinationFile::fail(int error, const char* doing) const {
+    ErrorCode code = ErrorCode::WriteFailed;
+    if (error == ENOSPC || error == EDQUOT) {
+        code = ErrorCode::DiskFull;
+    } else if (error == EACCES || error == EPERM || error == EROFS) {
+        code = ErrorCode::DestinationNotWritable;
+    } else if (error == ENOENT || error == ENOTDIR) {
+        code = ErrorCode::DestinationFolderMissing;
+    }
+    throw Failure(code, text("Destination \"", mDestination, "\" failed while ", doing, ": ",
+                             systemErrorText(error)));
+}
+
+void DestinationFile::closeDurably() {
+    throwIfFailed();
+    if (const int error = mFile.syncToDisk(); error != 0) {
+        fail(error, "writing it to the disk");
+    }
+    if (const int error = OsFile::openInUse(mTemporary, mHold); error != 0) {
+        fail(error, "opening it again");
+    }
+    if (const int error = mFile.close(); error != 0) {
+        fail(error, "closing it");
+    }
+}
+
+void DestinationFile::commit() {
+    mHold.close();
+    const int error = LiveTemporaries::instance().commit(mTemporary, mDestination);
+    if (error == ECANCELED) {
+        throw Stopped{};
+    }
+    if (error != 0) {
+        fail(error, "renaming it into place");
+    }
+    if (const int unsynced = syncFolder(mFolder); unsynced != 0) {
+        // Complete and in place, but a power cut now may bring the older name back.
+        throw Failure(ErrorCode::WriteFailed,
+                      text("The folder \"", mFolder,
+                           "\" could not be written to the disk: ", systemErrorText(unsynced)));
+    }
+}
+
+} // namespace zelcore

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "engine/core/AvHandles.h"
+#include "engine/core/StopFlag.h"
+#include "engine/platform/OsFile.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zelcore {
+
+/// The file that a conversion writes: a temporary beside the destination until commit() renames it
+/// into place. Gone with this object when it was not committed.
+class DestinationFile {
+public:
+    /// Throws when the destination cannot become what is asked for: no folder, not writable, a
+    /// folder or device of that name, or one of the sources by whatever name.
+    DestinationFile(std::string destination, const std::vector<std::string>& sources,
+                    const StopFlag& stop);
+    DestinationFile(const DestinationFile&) = delete;
+    DestinationFile& operator=(const DestinationFile&) = delete;
+    ~DestinationFile();
+
+    AVIOContext* io() const { return mIo.get(); }
+    const std::string& temporaryPath() const { return mTemporary; }
+    std::uint64_t size() const { return mSize; }
+
+    /// Throws when any write so far failed.
+    void throwIfFailed() const;
+    /// Everything is on the disk and the file closed, each step checked. The name stays in use.
+    void closeDurably();
+    /// Renames into place, over an older destination, durably.
+    void commit();
+
+private:
+    static int onWrite(void* self, std::uint8_t* data, int size) noexcept;
+    static std::int64_t onSeek(void* self, std::int64_t offset, int whence) noexcept;
+    void refuseUnlessFree(const std::vector<std::string>& sources) const;
+    void createTemporary();
+    void removeLeftovers() const;
+    void pushOutWritten();
+    [[noreturn]] void fail(int error, const char* doing) const;
+
+    std::string mDestination;
+    std::string mFolder;
+    std::string mTemporary;
+    const StopFlag& mStop;
+    OsFile mFile;
+    OsFile mHold; ///< keeps the closed temporary in use until it has its name
+    std::uint64_t mPosition = 0;
+    std::uint64_t mSize = 0;
+    std::uint64_t mPushedOut = 0;
+    int mError = 0;
+    AvioPtr mIo;
+};
+
+} // namespace zelcore

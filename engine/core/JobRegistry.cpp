@@ -1,0 +1,89 @@
+#include "engine/core/JobRegistry.h"
+
+#include "engine/core/Trace.h"
+#include "engine/platform/OsPath.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace zelcore {
+
+namespace {
+
+constexpr auto kSinkCallBound = std::chrono::milliseconds(500);
+
+} // namespace
+
+JobRegistry& JobRegistry::instance() {
+    // Leaked: conversions go on while exit() runs the destructors of static objects.
+    static auto& registry = *new JobRegistry();
+    return registry;
+}
+
+bool JobRegistry::start(const std::shared_ptr<ConversionJob>& job) {
+    static const bool isPrepared = [] {
+        pinThisLibrary();
+        traceFfmpeg();
+        return true;
+    }();
+    static_cast<void>(isPrepared);
+    const std::lock_guard lock(mMutex);
+    mRunning.push_back({job, {}});
+    try {
+        std::thread thread([this, job] { run(job); });
+        mRunning.back().thread = thread.get_id();
+        thread.detach();
+        return true;
+    } catch (const std::system_error& error) {
+        mRunning.pop_back();
+        trace(TraceLevel::Error, text("No thread for the conversion: ", error.what()));
+        return false;
+    }
+}
+
+void JobRegistry::run(const std::shared_ptr<ConversionJob>& job) {
+    prepareEngineThread("ZelConverter");
+    job->run();
+    const std::lock_guard lock(mMutex);
+    std::erase_if(mRunning, [&](const Running& each) { return each.job == job; });
+    mEnded.notify_all();
+}
+
+bool JobRegistry::isRunning(const ConversionJob* job) {
+    const std::lock_guard lock(mMutex);
+    return std::ranges::any_of(mRunning, [job](const auto& each) { return each.job.get() == job; });
+}
+
+std::vector<std::shared_ptr<ConversionJob>> JobRegistry::raiseAll() {
+    const std::lock_guard lock(mMutex);
+    std::vector<std::shared_ptr<ConversionJob>> jobs;
+    for (const Running& each : mRunning) {
+        each.job->stop();
+        jobs.push_back(each.job);
+    }
+    return jobs;
+}
+
+bool JobRegistry::stopAll(std::chrono::milliseconds timeout) {
+    const auto jobs = raiseAll();
+    std::unique_lock lock(mMutex);
+    const bool ended = mEnded.wait_for(lock, timeout, [&] {
+        return std::ranges::all_of(mRunning, [&](const Running& each) {
+            return each.thread == std::this_thread::get_id() ||
+                   std::ranges::find(jobs, each.job) == jobs.end();
+        });
+    });
+    lock.unlock();
+    for (const auto& job : jobs) {
+        job->sink().set(nullptr, kSinkCallBound);
+    }
+    return ended;
+}
+
+void JobRegistry::abandonAll() {
+    for (const auto& job : raiseAll()) {
+        job->sink().set(nullptr, kSinkCallBound);
+    }
+}
+
+} // namespace zelcore

@@ -1,0 +1,105 @@
+#include "engine/core/Muxer.h"
+
+#include "engine/core/Trace.h"
+
+#include <algorithm>
+
+namespace zelcore {
+
+Muxer::Muxer(DestinationFile& file) : mFile(file) {
+    AVFormatContext* format = nullptr;
+    require(avformat_alloc_output_context2(&format, nullptr, "mp4", nullptr), "MP4 muxer");
+    mFormat.reset(format);
+    mFormat->pb = file.io();
+    mFormat->flags |= AVFMT_FLAG_CUSTOM_IO;
+}
+
+AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBase) {
+    AVStream* stream = avformat_new_stream(mFormat.get(), nullptr);
+    if (stream == nullptr) {
+        throw std::bad_alloc();
+    }
+    require(avcodec_parameters_copy(stream->codecpar, &parameters), "track parameters");
+    stream->codecpar->codec_tag = 0; // the source container's, the muxer chooses its own
+    stream->time_base = timeBase;
+    WrittenTrack track;
+    track.type = parameters.codec_type;
+    track.codec = parameters.codec_id;
+    track.width = parameters.width;
+    track.height = parameters.height;
+    track.sampleRate = parameters.sample_rate;
+    mWritten.push_back(track);
+    mLastDts.push_back(kNoTime);
+    return *stream;
+}
+
+void Muxer::copyMetadata(const AVFormatContext& from) {
+    require(av_dict_copy(&mFormat->metadata, from.metadata, AV_DICT_DONT_OVERWRITE), "metadata");
+}
+
+void Muxer::writeHeader() {
+    AVDictionary* options = nullptr;
+    // A timecode in the metadata would become a track of its own, which no source has.
+    av_dict_set(&options, "write_tmcd", "0", 0);
+    const int result = avformat_write_header(mFormat.get(), &options);
+    av_dict_free(&options);
+    throwIfFailed(result, "begin the MP4 file");
+}
+
+void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
+    const AVStream& stream = *mFormat->streams[track];
+    packet.stream_index = static_cast<int>(track);
+    packet.pos = -1;
+    if (packet.dts == kNoTime) {
+        packet.dts = packet.pts;
+    }
+    if (packet.pts == kNoTime) {
+        packet.pts = packet.dts;
+    }
+    if (packet.dts == kNoTime) {
+        throw Failure(ErrorCode::SourceDamaged, "A packet carries no time at all");
+    }
+    av_packet_rescale_ts(&packet, timeBase, stream.time_base);
+    if (std::int64_t& last = mLastDts[track]; last != kNoTime && packet.dts <= last) {
+        if (isTraced(TraceLevel::Trace)) {
+            trace(TraceLevel::Trace,
+                  text("Track ", track, ": decoding time ", packet.dts, " moved behind ", last));
+        }
+        packet.dts = last + 1;
+        packet.pts = std::max(packet.pts, packet.dts);
+    }
+    mLastDts[track] = packet.dts;
+    account(track, packet);
+    throwIfFailed(av_interleaved_write_frame(mFormat.get(), &packet), "write a packet");
+}
+
+void Muxer::account(std::size_t track, const AVPacket& packet) {
+    WrittenTrack& written = mWritten[track];
+    const AVRational base = mFormat->streams[track]->time_base;
+    const Ticks begin = toTicks(packet.dts, base);
+    written.packets++;
+    written.begin = written.begin == kNoTime ? begin : written.begin;
+    written.end = toTicks(packet.dts + packet.duration, base);
+}
+
+void Muxer::finish() {
+    throwIfFailed(av_write_trailer(mFormat.get()), "complete the MP4 file");
+    avio_flush(mFormat->pb);
+    throwIfFailed(mFormat->pb->error, "complete the MP4 file");
+}
+
+void Muxer::throwIfFailed(int result, const char* doing) const {
+    if (result == AVERROR_EXIT) {
+        throw Stopped{};
+    }
+    mFile.throwIfFailed();
+    if (result == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
+    if (result < 0) {
+        throw Failure(ErrorCode::WriteFailed,
+                      text("Could not ", doing, ": ", ffmpegErrorText(result)));
+    }
+}
+
+} // namespace zelcore

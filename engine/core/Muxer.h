@@ -1,0 +1,48 @@
+#pragma once
+
+#include "engine/core/AvHandles.h"
+#include "engine/core/DestinationFile.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace zelcore {
+
+/// What went into one track of the destination; the verifier finds the same there, or fails.
+struct WrittenTrack {
+    AVMediaType type = AVMEDIA_TYPE_UNKNOWN;
+    AVCodecID codec = AV_CODEC_ID_NONE;
+    int width = 0;
+    int height = 0;
+    int sampleRate = 0;
+    std::int64_t packets = 0;
+    Ticks begin = kNoTime; ///< by decoding time
+    Ticks end = kNoTime;
+};
+
+/// The MP4 file under construction. Tracks first, then writeHeader, packets, finish.
+class Muxer {
+public:
+    explicit Muxer(DestinationFile& file);
+
+    /// `parameters` are copied, `timeBase` is the clock of the packets to come.
+    AVStream& addTrack(const AVCodecParameters& parameters, AVRational timeBase);
+    void copyMetadata(const AVFormatContext& from);
+    void writeHeader();
+    /// `packet` is stamped in `timeBase` and left empty. Decoding times that do not grow are moved.
+    void write(std::size_t track, AVPacket& packet, AVRational timeBase);
+    void finish();
+
+    const std::vector<WrittenTrack>& written() const { return mWritten; }
+
+private:
+    void throwIfFailed(int result, const char* doing) const;
+    void account(std::size_t track, const AVPacket& packet);
+
+    DestinationFile& mFile;
+    MuxerPtr mFormat;
+    std::vector<WrittenTrack> mWritten;
+    std::vector<std::int64_t> mLastDts;
+};
+
+} // namespace zelcore

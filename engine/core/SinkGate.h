@@ -1,0 +1,84 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace zelcore {
+
+/// Holds a sink that belongs to the program. Any thread calls through it; whoever takes the sink
+/// away knows afterwards that no other thread is inside a call on it.
+template <class Sink>
+class SinkGate {
+public:
+    explicit SinkGate(Sink* sink = nullptr) { attach(sink); }
+
+    /// Puts another sink, or none, in place and waits for the calls on the former one that other
+    /// threads have under way; a call further up the own stack is not waited for. With `bound`,
+    /// false when such a call is still running after it.
+    bool set(Sink* sink, std::optional<std::chrono::milliseconds> bound = std::nullopt) {
+        std::unique_lock lock(mMutex);
+        const std::shared_ptr<Attachment> former = mCurrent;
+        attach(sink);
+        if (former == nullptr) {
+            return true;
+        }
+        const auto isLeft = [&] {
+            return std::ranges::all_of(former->callers, [own = std::this_thread::get_id()](
+                                                            auto caller) { return caller == own; });
+        };
+        if (bound) {
+            return mLeft.wait_for(lock, *bound, isLeft);
+        }
+        mLeft.wait(lock, isLeft);
+        return true;
+    }
+
+    /// Runs `call(sink)` outside the lock. False when there is no sink.
+    template <class Call>
+    bool call(Call&& call) {
+        std::shared_ptr<Attachment> attachment;
+        {
+            const std::lock_guard lock(mMutex);
+            attachment = mCurrent;
+            if (attachment == nullptr) {
+                return false;
+            }
+            attachment->callers.push_back(std::this_thread::get_id());
+        }
+        const Leave leave{*this, *attachment};
+        call(*attachment->sink);
+        return true;
+    }
+
+private:
+    struct Attachment {
+        Sink* sink;
+        std::vector<std::thread::id> callers; ///< one entry for each call under way
+    };
+    struct Leave {
+        SinkGate& gate;
+        Attachment& attachment;
+        ~Leave() {
+            const std::lock_guard lock(gate.mMutex);
+            attachment.callers.erase(
+                std::ranges::find(attachment.callers, std::this_thread::get_id()));
+            gate.mLeft.notify_all();
+        }
+    };
+
+    void attach(Sink* sink) {
+        mCurrent = sink == nullptr ? nullptr : std::make_shared<Attachment>(Attachment{sink, {}});
+    }
+
+    std::mutex mMutex;
+    std::condition_variable mLeft;
+    std::shared_ptr<Attachment> mCurrent;
+};
+
+} // namespace zelcore

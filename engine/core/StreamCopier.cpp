@@ -1,0 +1,53 @@
+#include "engine/core/StreamCopier.h"
+
+#include "engine/core/Trace.h"
+
+#include <algorithm>
+
+namespace zelcore {
+
+StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer)
+    : mMuxer(muxer), mTrack(muxer.written().size()) {
+    const AVStream& from = *plan.reference;
+    AVStream& to = muxer.addTrack(*from.codecpar, from.time_base);
+    to.avg_frame_rate = from.avg_frame_rate;
+    to.sample_aspect_ratio = from.sample_aspect_ratio;
+    for (int i = 0; i < from.nb_side_data; ++i) {
+        const AVPacketSideData& data = from.side_data[i];
+        std::uint8_t* copy = av_stream_new_side_data(&to, data.type, data.size);
+        if (copy == nullptr) {
+            throw std::bad_alloc();
+        }
+        std::copy_n(data.data, data.size, copy);
+    }
+    require(av_dict_copy(&to.metadata, from.metadata, 0), "track metadata");
+    to.disposition = from.disposition;
+}
+
+void StreamCopier::beginPart(const AVStream& stream, Ticks offset) {
+    mTimeBase = stream.time_base;
+    mOffset = av_rescale_q(offset, kTicks, mTimeBase);
+    // What comes before the first key frame of a recording that was joined late shows nothing.
+    mAwaitsKeyFrame = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+}
+
+void StreamCopier::accept(AVPacket& packet) {
+    if (mAwaitsKeyFrame) {
+        if ((packet.flags & AV_PKT_FLAG_KEY) == 0) {
+            trace(TraceLevel::Debug, text("Track ", mTrack,
+                                          ": a packet before the first key "
+                                          "frame is left out"));
+            return;
+        }
+        mAwaitsKeyFrame = false;
+    }
+    if (packet.pts != kNoTime) {
+        packet.pts += mOffset;
+    }
+    if (packet.dts != kNoTime) {
+        packet.dts += mOffset;
+    }
+    mMuxer.write(mTrack, packet, mTimeBase);
+}
+
+} // namespace zelcore

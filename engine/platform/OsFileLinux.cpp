@@ -1,0 +1,158 @@
+#include "engine/platform/OsFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelcore {
+
+namespace {
+
+FileState toState(const struct stat& from) {
+    FileState state;
+    state.volume = from.st_dev;
+    state.number = from.st_ino;
+    state.size = static_cast<std::uint64_t>(from.st_size);
+    state.modified = from.st_mtim.tv_sec * 1'000'000'000 + from.st_mtim.tv_nsec;
+    state.isFolder = S_ISDIR(from.st_mode);
+    state.isOrdinary = S_ISREG(from.st_mode);
+    return state;
+}
+
+int open(const std::string& path, int flags, std::intptr_t& handle) {
+    do {
+        handle = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
+    } while (handle < 0 && errno == EINTR);
+    return handle < 0 ? errno : 0;
+}
+
+} // namespace
+
+int statePath(const char* path, FileState& state) {
+    struct stat found {};
+    if (::stat(path, &found) != 0) {
+        return errno;
+    }
+    state = toState(found);
+    return 0;
+}
+
+OsFile& OsFile::operator=(OsFile&& other) noexcept {
+    if (this != &other) {
+        close();
+        mHandle = std::exchange(other.mHandle, kNone);
+    }
+    return *this;
+}
+
+int OsFile::openForReading(const std::string& path, OsFile& file) {
+    Handle handle = kNone;
+    const int error = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, handle);
+    if (error == 0) {
+        file = OsFile(handle);
+        ::posix_fadvise(static_cast<int>(handle), 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    return error;
+}
+
+int OsFile::openInUse(const std::string& path, OsFile& file) {
+    const int error = openForReading(path, file);
+    if (error == 0) {
+        // Shared, so that writer and verifier can hold it together; a file system without locks
+        // only loses the protection against another process's tidying.
+        ::flock(static_cast<int>(file.mHandle), LOCK_SH | LOCK_NB);
+    }
+    return error;
+}
+
+int OsFile::createNew(const std::string& path, OsFile& file) {
+    for (;;) {
+        Handle handle = kNone;
+        if (const int error = open(path, O_RDWR | O_CREAT | O_EXCL, handle); error != 0) {
+            return error;
+        }
+        OsFile created(handle);
+        ::flock(static_cast<int>(handle), LOCK_SH | LOCK_NB);
+        struct stat found {};
+        if (::fstat(static_cast<int>(handle), &found) == 0 && found.st_nlink > 0) {
+            file = std::move(created);
+            return 0;
+        }
+        // Somebody tidied the name away between its creation and the lock.
+    }
+}
+
+int OsFile::close() {
+    if (mHandle == kNone) {
+        return 0;
+    }
+    // Linux releases the descriptor even when close reports EINTR: never call it twice.
+    const int result = ::close(static_cast<int>(std::exchange(mHandle, kNone)));
+    return result == 0 || errno == EINTR ? 0 : errno;
+}
+
+std::int64_t OsFile::readAt(std::uint64_t position, void* buffer, std::size_t size,
+                            int& error) const {
+    for (;;) {
+        const ssize_t got =
+            ::pread(static_cast<int>(mHandle), buffer, size, static_cast<off_t>(position));
+        if (got >= 0) {
+            return got;
+        }
+        if (errno != EINTR) {
+            error = errno;
+            return -1;
+        }
+    }
+}
+
+int OsFile::writeAt(std::uint64_t position, const void* data, std::size_t size) const {
+    const auto* bytes = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t put =
+            ::pwrite(static_cast<int>(mHandle), bytes, size, static_cast<off_t>(position));
+        if (put < 0 && errno == EINTR) {
+            continue;
+        }
+        if (put <= 0) {
+            return put < 0 ? errno : EIO;
+        }
+        bytes += put;
+        size -= static_cast<std::size_t>(put);
+        position += static_cast<std::uint64_t>(put);
+    }
+    return 0;
+}
+
+void OsFile::startWriteBack(std::uint64_t position, std::uint64_t size) const {
+    ::sync_file_range(static_cast<int>(mHandle), static_cast<off_t>(position),
+                      static_cast<off_t>(size), SYNC_FILE_RANGE_WRITE);
+}
+
+void OsFile::awaitWriteBack(std::uint64_t position, std::uint64_t size) const {
+    ::sync_file_range(static_cast<int>(mHandle), static_cast<off_t>(position),
+                      static_cast<off_t>(size), SYNC_FILE_RANGE_WAIT_BEFORE);
+}
+
+int OsFile::syncToDisk() const {
+    while (::fsync(static_cast<int>(mHandle)) != 0) {
+        if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+int OsFile::state(FileState& state) const {
+    struct stat found {};
+    if (::fstat(static_cast<int>(mHandle), &found) != 0) {
+        return errno;
+    }
+    state = toState(found);
+    return 0;
+}
+
+} // namespace zelcore

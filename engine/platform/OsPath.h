@@ -1,0 +1,38 @@
+#pragma once
+
+#include "engine/platform/OsFile.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// The few calls on names and on the process in which systems differ. Paths are UTF-8, failures are
+/// errno values.
+namespace zelcore {
+
+/// Follows links. 0, or ENOENT when nothing is there, or another errno value.
+int stateOf(const std::string& path, FileState& state);
+
+/// Folder part without the last separator, "." for a bare name, a root as it is.
+std::string folderOf(const std::string& path);
+std::string nameOf(const std::string& path);
+std::string joinPath(const std::string& folder, const std::string& name);
+
+/// Renames over whatever has the target's name, in one step.
+int replaceFile(const std::string& from, const std::string& to);
+int removeFile(const std::string& path);
+/// Removes a file that no process has open through OsFile::createNew or openInUse.
+bool removeUnlessInUse(const std::string& path);
+/// Makes a rename in the folder permanent; nothing to do where the rename itself is.
+int syncFolder(const std::string& folder);
+/// Names in a folder that begin and end so.
+std::vector<std::string> namesIn(const std::string& folder, const std::string& prefix,
+                                 const std::string& suffix);
+
+std::uint32_t currentProcessId();
+/// Names the calling thread for debuggers, and keeps the program's signals away from it.
+void prepareEngineThread(const char* name);
+/// Keeps this library in memory until the process ends: its threads may outlive every handle.
+void pinThisLibrary();
+
+} // namespace zelcore

@@ -1,0 +1,112 @@
+#include "engine/platform/OsPath.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelcore {
+
+int statePath(const char* path, FileState& state);
+
+int stateOf(const std::string& path, FileState& state) {
+    return statePath(path.c_str(), state);
+}
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string joinPath(const std::string& folder, const std::string& name) {
+    return folder.ends_with('/') ? folder + name : folder + '/' + name;
+}
+
+int replaceFile(const std::string& from, const std::string& to) {
+    return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+int removeFile(const std::string& path) {
+    return ::unlink(path.c_str()) == 0 ? 0 : errno;
+}
+
+bool removeUnlessInUse(const std::string& path) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    const bool removed = ::flock(file, LOCK_EX | LOCK_NB) == 0 && ::unlink(path.c_str()) == 0;
+    ::close(file);
+    return removed;
+}
+
+int syncFolder(const std::string& folder) {
+    const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle < 0) {
+        return errno;
+    }
+    int error = ::fsync(handle) == 0 ? 0 : errno;
+    if (error == EINVAL || error == ENOTSUP) {
+        error = 0; // a file system that has nothing to sync for a folder
+    }
+    ::close(handle);
+    return error;
+}
+
+std::vector<std::string> namesIn(const std::string& folder, const std::string& prefix,
+                                 const std::string& suffix) {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(folder.c_str()),
+                                                   [](DIR* dir) { return ::closedir(dir); });
+    if (open == nullptr) {
+        return names;
+    }
+    while (const dirent* entry = ::readdir(open.get())) {
+        std::string name = entry->d_name;
+        if (name.size() >= prefix.size() + suffix.size() && name.starts_with(prefix) &&
+            name.ends_with(suffix)) {
+            names.push_back(std::move(name));
+        }
+    }
+    return names;
+}
+
+std::uint32_t currentProcessId() {
+    return static_cast<std::uint32_t>(::getpid());
+}
+
+void prepareEngineThread(const char* name) {
+    ::prctl(PR_SET_NAME, name);
+    // The program's handlers run on its own threads, and a write past a size limit is to fail
+    // with EFBIG instead of ending the process. Threads that FFmpeg starts inherit the mask.
+    sigset_t blocked;
+    sigfillset(&blocked);
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS}) {
+        sigdelset(&blocked, signal);
+    }
+    ::pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+}
+
+void pinThisLibrary() {
+    Dl_info info{};
+    if (::dladdr(reinterpret_cast<const void*>(&pinThisLibrary), &info) != 0) {
+        ::dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+    }
+}
+
+} // namespace zelcore
