@@ -20,7 +20,7 @@ function(record_converter_test name)
     endif()
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest)
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock_main GTest::gmock GTest::gtest)
     record_converter_warnings(${name})
     record_converter_link_runtime(${name})
     set_target_properties(${name} PROPERTIES

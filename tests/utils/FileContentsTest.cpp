@@ -1,0 +1,96 @@
+#include "support/HookedLog.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tarn {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Bytes = std::vector<std::uint8_t>;
+
+class FileContents : public ::testing::Test {
+protected:
+    std::string lastLineOf(const std::string& content) const {
+        return files.readLastLine(folder.write("file", content));
+    }
+
+    const FileUtils files;
+    const testing::TemporaryFolder folder;
+};
+
+TEST_F(FileContents, ReadsLinesByNumber) {
+    const std::string file = folder.write("lines – 行", "first\r\nsecond\n\nlast");
+    EXPECT_EQ(files.readFirstLine(file), "first");
+    EXPECT_EQ(files.readSpecifiedLine(file, 0), "first");
+    EXPECT_EQ(files.readSpecifiedLine(file, 1), "second");
+    EXPECT_EQ(files.readSpecifiedLine(file, 2), "");
+    EXPECT_EQ(files.readSpecifiedLine(file, 3), "last");
+    EXPECT_EQ(files.readSpecifiedLine(file, 4), "");
+    EXPECT_THAT(files.readAllLines(file), ElementsAre("first", "second", "", "last"));
+}
+
+TEST_F(FileContents, ReadsTheLastLine) {
+    EXPECT_EQ(lastLineOf("one\ntwo\nthree\n"), "three");
+    EXPECT_EQ(lastLineOf("one\r\ntwo\r\n"), "two");
+    EXPECT_EQ(lastLineOf("one\nb\n"), "b");
+    EXPECT_EQ(lastLineOf("one\nlonger"), "longer");
+    EXPECT_EQ(lastLineOf("one\n" + std::string(200'000, 'x') + "\n"), std::string(200'000, 'x'));
+    EXPECT_EQ(lastLineOf("\nab"), "ab");
+}
+
+TEST_F(FileContents, FindsNoLastLineInAFileOfOne) {
+    for (const char* content : {"", "\r\n", "a", "ab\n", "only one", "only one\n"}) {
+        EXPECT_EQ(lastLineOf(content), "") << content;
+    }
+}
+
+TEST_F(FileContents, WritesLinesThatItReadsBack) {
+    const std::string file = folder / "written";
+    EXPECT_TRUE(files.writeOneLine(file, "alone"));
+    EXPECT_EQ(testing::readFile(file), "alone\n");
+    EXPECT_TRUE(files.writeAllLines(file, {"a", "", "ü"}));
+    EXPECT_EQ(testing::readFile(file), "a\n\nü\n");
+    EXPECT_THAT(files.readAllLines(file), ElementsAre("a", "", "ü"));
+    EXPECT_TRUE(files.writeAllLines(file, {}));
+    EXPECT_EQ(testing::readFile(file), "");
+}
+
+TEST_F(FileContents, ReadsAndWritesBytes) {
+    Bytes bytes(200'000);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<std::uint8_t>(i * 7);
+    }
+    const std::string file = folder / "bytes";
+    EXPECT_TRUE(files.writeAllBytes(file, bytes));
+    EXPECT_EQ(files.readAllBytes(file), bytes);
+    EXPECT_TRUE(files.canReadFirstBytes(file, bytes.size()));
+    EXPECT_FALSE(files.canReadFirstBytes(file, bytes.size() + 1));
+    EXPECT_TRUE(files.writeAllBytes(file, {}));
+    EXPECT_EQ(files.readAllBytes(file), Bytes());
+    EXPECT_TRUE(files.canReadFirstBytes(file, 0));
+}
+
+TEST_F(FileContents, ReportsWhatCannotBeReadOrWritten) {
+    const testing::HookedLog log;
+    for (const std::string& path : {folder / "absent", folder.path(), std::string()}) {
+        EXPECT_EQ(files.readFirstLine(path), "");
+        EXPECT_EQ(files.readLastLine(path), "");
+        EXPECT_THAT(files.readAllLines(path), IsEmpty());
+        EXPECT_EQ(files.readAllBytes(path), std::nullopt);
+        EXPECT_FALSE(files.canReadFirstBytes(path, 1));
+    }
+    const std::string inAbsent = folder / "absent" + "/file";
+    EXPECT_FALSE(files.writeOneLine(inAbsent, "x"));
+    EXPECT_FALSE(files.writeAllLines(folder.path(), {"x"}));
+    EXPECT_THAT(log.lines(), IsEmpty());
+    EXPECT_FALSE(files.writeAllBytes(inAbsent, {1}));
+    EXPECT_THAT(log.lines(),
+                ElementsAre("<Error> Could not write '" + inAbsent + "', errorCode: 2"));
+}
+
+} // namespace
+} // namespace tarn

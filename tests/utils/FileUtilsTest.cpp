@@ -1,0 +1,245 @@
+#include "platform/Files.h"
+#include "platform/KnownFolders.h"
+#include "support/HookedLog.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+
+namespace tarn {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+
+/// Beyond ASCII, and beyond the 16-bit plane.
+const std::string kName = "Besprechung – 会議 😀";
+
+class FileUtilsTest : public ::testing::Test {
+protected:
+    void makeTree() const {
+        files.mkdirIfNotExistsRecursive(folder / "tree/b/c");
+        folder.write("tree/one.txt", "1");
+        folder.write("tree/b/two.txt", "2");
+        folder.write("tree/b/c/" + kName, "3");
+    }
+    std::string in(const std::string& path) const {
+        std::string result = folder / path;
+        std::ranges::replace(result, '/', platform::pathSeparator());
+        return result;
+    }
+    void setModified(const std::string& path, int seconds) const {
+        std::filesystem::last_write_time(
+            platform::nativePath(path),
+            std::filesystem::file_time_type::clock::now() + std::chrono::seconds(seconds));
+    }
+
+    const FileUtils files;
+    const TemporaryFolder folder;
+};
+
+TEST_F(FileUtilsTest, TellsFilesFoldersAndAbsentPathsApart) {
+    const std::string file = folder.write(kName, "content");
+    int error = -1;
+    EXPECT_TRUE(files.exists(file) && files.exists(file, error) && files.accessible(file));
+    EXPECT_EQ(error, 0);
+    EXPECT_FALSE(files.dirExists(file));
+    EXPECT_TRUE(files.exists(folder.path()) && files.dirExists(folder.path()));
+    EXPECT_TRUE(files.dirExists(folder.path() + platform::pathSeparator()));
+    EXPECT_FALSE(files.accessible(folder.path()));
+    EXPECT_EQ(files.getFileSize(folder.path()), -1);
+    for (const std::string& absent : {folder / "absent", std::string(), file + '\0' + "x"}) {
+        EXPECT_FALSE(files.exists(absent) || files.exists(absent, error) ||
+                     files.accessible(absent) || files.dirExists(absent));
+        EXPECT_EQ(error, ENOENT);
+        EXPECT_EQ(files.getFileSize(absent), -1);
+        EXPECT_FALSE(files.getFileDetails(absent).has_value());
+    }
+}
+
+TEST_F(FileUtilsTest, TellsSizeAndTimesOfAFile) {
+    const std::string file = folder.write(kName, "1234567");
+    const auto before = files.getFileDetails(file);
+    ASSERT_TRUE(before.has_value());
+    EXPECT_EQ(before->size, 7U);
+    EXPECT_EQ(files.getFileSize(file), 7);
+    setModified(file, -3600);
+    const auto after = files.getFileDetails(file);
+    ASSERT_TRUE(after.has_value());
+    EXPECT_NEAR(static_cast<double>(before->modified - after->modified), 3600e7, 10e7);
+    EXPECT_GT(after->modified, 17'000'000'000'000'000); // counted from 1970, not from 1601
+    EXPECT_GT(after->accessed, 0);
+    EXPECT_GT(after->created, 0);
+}
+
+TEST_F(FileUtilsTest, RemovesFilesButNeverFolders) {
+    int error = -1;
+    EXPECT_TRUE(files.remove(folder.write("a", "")));
+    EXPECT_TRUE(files.remove(folder.write(kName, ""), error));
+    EXPECT_EQ(error, 0);
+    EXPECT_FALSE(files.remove(folder / "a", error));
+    EXPECT_EQ(error, ENOENT);
+    EXPECT_FALSE(files.remove(folder.makeFolder("b")));
+    EXPECT_TRUE(files.dirExists(folder / "b"));
+}
+
+TEST_F(FileUtilsTest, MakesFoldersWithTheirParents) {
+    const std::string deep = in("x/" + kName + "/z/");
+    EXPECT_FALSE(files.mkdir(deep));
+    EXPECT_TRUE(files.mkdirIfNotExistsRecursive(deep));
+    EXPECT_TRUE(files.mkdirIfNotExistsRecursive(deep));
+    EXPECT_TRUE(files.dirExists(deep));
+    EXPECT_FALSE(files.mkdir(deep));
+    EXPECT_TRUE(files.mkdirIfNotExists(deep));
+    folder.write("file", "");
+    EXPECT_FALSE(files.mkdirIfNotExistsRecursive(in("file/below")));
+    EXPECT_FALSE(files.mkdirIfNotExistsRecursive(in("file")));
+    EXPECT_FALSE(files.mkdirIfNotExistsRecursive(""));
+}
+
+TEST_F(FileUtilsTest, LogsWhyARenamingFailed) {
+    const testing::HookedLog log;
+    std::string reason;
+    EXPECT_FALSE(files.renameWithMessage(folder / "a", folder / "b", &reason));
+    EXPECT_FALSE(reason.empty());
+    EXPECT_THAT(log.lines(), ElementsAre("<Error> Could not rename '" + folder / "a" + "' to '" +
+                                         folder / "b" + "'.  errno was 2"));
+    EXPECT_THAT(log.functions(), ElementsAre("FileUtils::renameWithMessage"));
+    folder.write("a", "x");
+    EXPECT_TRUE(files.renameWithMessage(folder / "a", folder / kName));
+    EXPECT_EQ(testing::readFile(folder / kName), "x");
+}
+
+TEST_F(FileUtilsTest, ListsFilesAndFolders) {
+    makeTree();
+    EXPECT_THAT(files.getFiles(in("tree")), ElementsAre("one.txt"));
+    EXPECT_THAT(files.getDirs(in("tree")), ElementsAre(in("tree/b")));
+    EXPECT_THAT(files.getDirsRecursive(in("tree")), ElementsAre(in("tree/b"), in("tree/b/c")));
+    EXPECT_THAT(files.getFilesRecursive(in("tree")),
+                ElementsAre(in("tree/b/c/" + kName), in("tree/b/two.txt"), in("tree/one.txt")));
+    for (const std::string& absent : {folder / "absent", in("tree/one.txt"), std::string()}) {
+        EXPECT_THAT(files.getFiles(absent), IsEmpty());
+        EXPECT_THAT(files.getDirs(absent), IsEmpty());
+        EXPECT_THAT(files.getFilesSortedByDate(absent, true), IsEmpty());
+    }
+}
+
+TEST_F(FileUtilsTest, SortsFilesByTheirLastWriteTime) {
+    folder.makeFolder("folder");
+    setModified(folder.write("new", ""), -10);
+    setModified(folder.write("old", ""), -30);
+    setModified(folder.write("middle", ""), -20);
+    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), true),
+                ElementsAre(folder / "old", folder / "middle", folder / "new"));
+    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), false),
+                ElementsAre(folder / "new", folder / "middle", folder / "old"));
+}
+
+TEST_F(FileUtilsTest, DeletesOnlyFilesThatMatchAPattern) {
+    for (const char* name : {"a.log", "ab.log", "a.logx", "[a].log"}) {
+        folder.write(name, "");
+    }
+    folder.makeFolder("folder.log");
+    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "?.log"));
+    EXPECT_THAT(files.getFiles(folder.path()), ElementsAre("[a].log", "a.logx", "ab.log"));
+    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "[a].log"));
+    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "*"));
+    EXPECT_THAT(files.getFiles(folder.path()), IsEmpty());
+    EXPECT_TRUE(files.dirExists(folder / "folder.log"));
+    EXPECT_FALSE(files.deleteAllFiles(folder / "absent", "*"));
+}
+
+TEST_F(FileUtilsTest, RemovesAFolderWithItsContents) {
+    makeTree();
+    EXPECT_FALSE(files.removeEmptyDir(in("tree")));
+    EXPECT_FALSE(files.removeNonEmptyDir(in("tree/one.txt")));
+    EXPECT_TRUE(files.exists(in("tree/one.txt")));
+    EXPECT_TRUE(files.removeNonEmptyDir(in("tree/")));
+    EXPECT_FALSE(files.exists(in("tree")));
+    EXPECT_FALSE(files.removeNonEmptyDir(in("tree")));
+    EXPECT_TRUE(files.removeEmptyDir(folder.makeFolder("empty")));
+}
+
+TEST_F(FileUtilsTest, CopiesAFileWithItsTimeOverAnOlderOne) {
+    const std::string source = folder.write("source", std::string(300'000, 's'));
+    setModified(source, -7200);
+    const std::string target = folder.write(kName, "older and different");
+    EXPECT_TRUE(files.copyFile(source, target));
+    EXPECT_EQ(testing::readFile(target), std::string(300'000, 's'));
+    EXPECT_EQ(files.getFileDetails(target)->modified, files.getFileDetails(source)->modified);
+    EXPECT_FALSE(files.copyFile(folder / "absent", target));
+    EXPECT_FALSE(files.copyFile(folder.path(), folder / "copy"));
+    EXPECT_FALSE(files.copyFile(source, in("absent/copy")));
+    EXPECT_EQ(testing::readFile(target).size(), 300'000U);
+    EXPECT_THAT(files.getFiles(folder.path()), ElementsAre(kName, "source"));
+}
+
+TEST_F(FileUtilsTest, CopiesOnlyAFileThatDiffers) {
+    const std::string source = folder.write("source", "same size");
+    const std::string target = folder.write("target", "same size");
+    setModified(target, -7200);
+    const auto before = files.getFileDetails(target)->modified;
+    EXPECT_TRUE(files.copyFileIfDifferent(source, target));
+    EXPECT_EQ(files.getFileDetails(target)->modified, before);
+    folder.write("source", "SAME SIZE");
+    EXPECT_TRUE(files.copyFileIfDifferent(source, target));
+    EXPECT_EQ(testing::readFile(target), "SAME SIZE");
+    EXPECT_TRUE(files.copyFileIfDifferent(source, folder / "fresh"));
+    EXPECT_FALSE(files.copyFileIfDifferent(folder / "absent", target));
+}
+
+TEST_F(FileUtilsTest, CopiesAndMovesFolderTrees) {
+    makeTree();
+    EXPECT_TRUE(files.copyDirectory(in("tree/"), in("copies/copy")));
+    EXPECT_EQ(testing::readFile(in("copies/copy/b/c/" + kName)), "3");
+    EXPECT_FALSE(files.copyDirectory(in("tree"), in("tree/b/inside")));
+    EXPECT_FALSE(files.copyDirectory(in("absent"), in("copies/other")));
+    EXPECT_FALSE(files.moveDirectory(in("tree"), in("tree/b/inside")));
+    EXPECT_FALSE(files.moveDirectory(in("tree"), in("copies")));
+    EXPECT_TRUE(files.moveDirectory(in("tree"), in("moved/")));
+    EXPECT_EQ(testing::readFile(in("moved/b/two.txt")), "2");
+    EXPECT_FALSE(files.exists(in("tree")));
+}
+
+TEST_F(FileUtilsTest, NumbersADownloadUntilItsNameIsFree) {
+    const std::string prefix = folder.path() + platform::pathSeparator();
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "a:b.mp4"), prefix + "a_b.mp4");
+    folder.write("a_b.mp4", "");
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "a:b.mp4"), prefix + "a_b(1).mp4");
+    folder.write(".profile", "");
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, ".profile"), prefix + ".profile(1)");
+    const std::string withIdentifier = "a_b_01234567-0123-0123-0123-0123456789ab.mp4";
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, true), prefix + "a_b(1).mp4");
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, false), prefix + withIdentifier);
+}
+
+TEST_F(FileUtilsTest, ReturnsTheUnnumberedNameWhenNinetyNineAreTaken) {
+    const std::string prefix = folder.path() + platform::pathSeparator();
+    folder.write("n.txt", "");
+    for (int number = 1; number <= 97; ++number) {
+        folder.write("n(" + std::to_string(number) + ").txt", "");
+    }
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "n.txt"), prefix + "n(98).txt");
+    folder.write("n(98).txt", "");
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "n.txt"), prefix + "n.txt");
+}
+
+TEST_F(FileUtilsTest, RecognisesASecondNameOfAFile) {
+    const std::string file = folder.write("file", "x");
+    const std::string other = folder.write("other", "x");
+    ASSERT_TRUE(files.hardLink(file, folder / kName));
+    EXPECT_TRUE(files.isSameFile(file, folder / kName));
+    EXPECT_FALSE(files.isSameFile(file, other));
+    EXPECT_FALSE(files.isSameFile(folder / "absent", folder / "absent"));
+    EXPECT_FALSE(files.hardLink(file, other));
+    EXPECT_TRUE(files.remove(file));
+    EXPECT_EQ(testing::readFile(folder / kName), "x");
+}
+
+} // namespace
+} // namespace tarn
