@@ -10,7 +10,7 @@ using LibraryHandle = void*;
 
 /// Loads the library at a full path; what it depends on is searched in its own folder first
 /// (`LoadLibraryExW` with LOAD_WITH_ALTERED_SEARCH_PATH; on Linux a library says the same of
-/// itself with RUNPATH=$ORIGIN). Null on failure, see lastError().
+/// itself with RPATH=$ORIGIN, which goes before LD_LIBRARY_PATH). Null on failure, see lastError().
 LibraryHandle loadWithAlteredSearchPath(const std::wstring& path);
 
 /// Loads the library at a full path under the system folder, dependencies from the system folders
@@ -24,7 +24,7 @@ void* findSymbol(LibraryHandle library, const char* name);
 bool unload(LibraryHandle library);
 
 /// Adds a folder to those searched for the dependencies of libraries loaded later
-/// (`AddDllDirectory`). Linux has no such process-wide list: libraries carry their own RUNPATH and
+/// (`AddDllDirectory`). Linux has no such process-wide list: libraries carry their own RPATH and
 /// nothing is added. False on failure.
 bool addLibraryFolder(const std::wstring& folder);
 

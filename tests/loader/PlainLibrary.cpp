@@ -1,0 +1,6 @@
+// A library for the loader's tests.
+extern "C" int plainAnswer();
+
+extern "C" int plainAnswer() {
+    return 42;
+}

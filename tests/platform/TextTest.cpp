@@ -1,0 +1,61 @@
+#include "platform/Text.h"
+#include "platform/Utf8.h"
+
+#include <gtest/gtest.h>
+
+namespace tarn::platform {
+namespace {
+
+TEST(Text, SurvivesTheWayToWideTextAndBack) {
+    for (const std::string text : {"", "plain", "Füße", "会議", "😀 \U0010FFFF", "\xEF\xBF\xBD"}) {
+        EXPECT_EQ(toUtf8(toWide(text)), text);
+        EXPECT_TRUE(isValidUtf8(text));
+    }
+    const std::string withNul("a\0b", 3);
+    EXPECT_EQ(toUtf8(toWide(withNul)), withNul);
+    EXPECT_EQ(toWide("ü"), L"\u00FC");
+}
+
+TEST(Text, ReplacesWhatIsNotUtf8) {
+    for (const std::string text :
+         {"\x80", "\xC0\xAF", "\xC1\xBF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+          "\xF8\x88\x80\x80\x80", "\xFF", "\xC3", "\xE4\xBC", "\xF0\x9F\x98"}) {
+        EXPECT_FALSE(isValidUtf8(text)) << ::testing::PrintToString(text);
+        const std::string between = toUtf8(toWide("a" + text + "z"));
+        EXPECT_TRUE(isValidUtf8(between));
+        EXPECT_TRUE(between.starts_with("a\xEF\xBF\xBD") && between.ends_with("\xEF\xBF\xBDz"))
+            << between;
+    }
+}
+
+TEST(Text, TakesTheLongestWellFormedBeginningForOneReplacement) {
+    const auto lengths = [](std::string_view text) {
+        std::string result;
+        for (std::size_t position = 0; position < text.size();) {
+            const DecodedCharacter character = decodeUtf8(text, position);
+            result += std::to_string(character.length) + (character.valid ? "v" : "i");
+            position += character.length;
+        }
+        return result;
+    };
+    EXPECT_EQ(lengths("a\xC3\xBC\xE4\xBC\x9A\xF0\x9F\x98\x80"), "1v2v3v4v");
+    EXPECT_EQ(lengths("\xF0\x9F\x98z"), "3i1v");
+    EXPECT_EQ(lengths("\xE0\x80\x80"), "1i1i1i");
+    EXPECT_EQ(lengths("\xED\xA0\x80"), "1i1i1i");
+    EXPECT_EQ(lengths("\xF4\x8F\xBF\xBF\xF4\x90"), "4v1i1i");
+}
+
+TEST(Text, ReplacesLoneSurrogates) {
+    EXPECT_EQ(toUtf8(std::wstring{L'a', static_cast<wchar_t>(0xD800), L'z'}), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(toUtf8(std::wstring{static_cast<wchar_t>(0xDC00)}), "\xEF\xBF\xBD");
+}
+
+TEST(Text, ComparesBeginningsWithoutRegardToCase) {
+    EXPECT_TRUE(startsWithIgnoringCase(L"C:\\Program Files\\x", L"c:\\PROGRAM"));
+    EXPECT_TRUE(startsWithIgnoringCase(L"abc", L"ABC"));
+    EXPECT_FALSE(startsWithIgnoringCase(L"ab", L"abc"));
+    EXPECT_FALSE(startsWithIgnoringCase(L"abd", L"abc"));
+}
+
+} // namespace
+} // namespace tarn::platform
