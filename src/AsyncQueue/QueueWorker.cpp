@@ -1,0 +1,148 @@
+#include "AsyncQueue/QueueWorker.h"
+
+#include "AsyncQueue/AsyncQueueDestroyedException.h"
+#include "logging/LogCall.h"
+#include "threading/ScopedThreadNotifications.h"
+#include "threading/ThreadUtilities.h"
+
+#include <exception>
+#include <utility>
+
+namespace tarn {
+namespace {
+
+using State = AsyncQueue::State;
+
+constexpr const char* kCallSiteFile = "AsyncQueue/AsyncQueue";
+constexpr std::uint32_t kCallSiteLine = 186;
+
+} // namespace
+
+QueueWorker::QueueWorker(std::shared_ptr<AsyncQueue::Context> context)
+    : mContext(std::move(context)), mName(mContext->mName) {
+}
+
+void QueueWorker::doWork() {
+    mContext->mThreadId.store(std::this_thread::get_id());
+    mContext->setCurrentTaskName({});
+    Lock lock(mContext->mMutex);
+    while (mContext->mState.load() != State::Exiting || !mContext->mQueue.empty()) {
+        if (mContext->mHasFinishedFunc) {
+            suspendSelf(lock);
+        } else if (mContext->mSuspended.load()) {
+            mContext->waitForWork(lock);
+        } else if (!mContext->mQueue.empty()) {
+            if (!runFrontTask(lock)) {
+                return;
+            }
+        } else if (mContext->mState.load() == State::Processing) {
+            swapQueues(lock);
+        } else {
+            mContext->waitForWork(lock);
+        }
+    }
+}
+
+void QueueWorker::suspendSelf(Lock& lock) {
+    mContext->mSuspended.exchange(true);
+    {
+        const auto callback = std::exchange(mContext->mHasFinishedFunc, nullptr);
+        lock.unlock();
+        // Outside the lock, because the line may be posted to this very queue.
+        TARN_LOG_AT(RootLoggerLevel::Info, 139,
+                    "mHasFinishedFunc is not nil, so we are ready to suspend and notify callback: "
+                        << mName);
+        callSuspensionCallback(callback);
+    }
+    describeWhenDetached();
+    lock.lock();
+}
+
+void QueueWorker::callSuspensionCallback(const std::function<void()>& callback) {
+    try {
+        const ScopedThreadNotifications scope("AsyncQueue::" + mName + "[Suspension]",
+                                              mContext->mRegisterThread);
+        callback();
+    } catch (const std::exception& error) {
+        TARN_LOG_AT(RootLoggerLevel::Error, 153,
+                    "AsyncQueue[" << mName
+                                  << "] Encountered an exception while calling suspension lambda: "
+                                  << error.what());
+    } catch (...) {
+        TARN_LOG_AT(
+            RootLoggerLevel::Error, 157,
+            "AsyncQueue[" << mName
+                          << "]Encountered a generic exception while calling suspension lambda");
+    }
+}
+
+void QueueWorker::swapQueues(Lock& lock) {
+    const State before = mContext->mState.load();
+    const bool isDry = mContext->mQueue.empty();
+    if (before == State::Processing && isDry) {
+        mContext->mQueue.swap(mContext->mPendingQueue);
+        mContext->mState.exchange(State::Running);
+    }
+    const State after = mContext->mState.load();
+    // The lines may be posted to this very queue.
+    lock.unlock();
+    if (before != State::Processing) {
+        TARN_LOG_AT(RootLoggerLevel::Warn, 229,
+                    "Thread pool not in processing state, cannot swap queues: " << mName);
+    } else if (!isDry) {
+        TARN_LOG_AT(RootLoggerLevel::Warn, 233,
+                    "Initialiser task queued after setting initialised to true, delaying queue "
+                    "swap: "
+                        << mName);
+    }
+    TARN_LOG_AT(RootLoggerLevel::Info, 240,
+                "Threadpool state is now " << AsyncQueue::stateName(after) << ", name: " << mName);
+    lock.lock();
+}
+
+bool QueueWorker::runFrontTask(Lock& lock) {
+    {
+        TaskFunction task = std::move(mContext->mQueue.front().task);
+        mContext->setCurrentTaskName(std::move(mContext->mQueue.front().name));
+        mContext->mQueue.pop_front();
+        lock.unlock();
+        // Only this thread changes the name, so it may read it without the lock.
+        if (!callTask(task, mContext->mCurrentTaskName)) {
+            return false;
+        }
+    }
+    describeWhenDetached();
+    lock.lock();
+    mContext->setCurrentTaskName({});
+    return true;
+}
+
+bool QueueWorker::callTask(TaskFunction& task, const std::string& taskName) {
+    try {
+        const ScopedThreadNotifications scope("AsyncQueue::" + mName + "[" + taskName + "]",
+                                              mContext->mRegisterThread);
+        task(CallSite::capture(kCallSiteFile, kCallSiteLine, "doWork"));
+    } catch (const AsyncQueueDestroyedException&) {
+        TARN_LOG_AT(RootLoggerLevel::Warn, 190,
+                    "AsyncQueue[" << mName << "] Destructed running task" << taskName);
+        return false;
+    } catch (const std::exception& error) {
+        TARN_LOG_AT(RootLoggerLevel::Error, 195,
+                    "AsyncQueue[" << mName << "] Encountered an exception while running a task: "
+                                  << error.what() << " with a task name of " << taskName);
+    } catch (...) {
+        TARN_LOG_AT(RootLoggerLevel::Error, 199,
+                    "AsyncQueue[" << mName
+                                  << "] Encountered a generic exception while running task "
+                                  << taskName);
+    }
+    return true;
+}
+
+void QueueWorker::describeWhenDetached() {
+    if (mContext->mDetached) {
+        ThreadUtilities::setThreadDescription("Detached::AsyncQueue::" + mName);
+    }
+}
+
+} // namespace tarn

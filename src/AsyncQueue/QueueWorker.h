@@ -1,0 +1,37 @@
+#pragma once
+
+#include "AsyncQueue/QueueContext.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace tarn {
+
+/// The loop on a queue's thread.
+class QueueWorker {
+public:
+    explicit QueueWorker(std::shared_ptr<AsyncQueue::Context> context);
+
+    /// Until the queue is exiting and has no tasks left, or a task throws
+    /// AsyncQueueDestroyedException.
+    void run() { doWork(); }
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    void doWork();
+    void suspendSelf(Lock& lock);
+    void callSuspensionCallback(const std::function<void()>& callback);
+    /// Lets what was held back during the initialiser phase follow.
+    void swapQueues(Lock& lock);
+    /// False when the worker has to end. `lock` is held again otherwise.
+    bool runFrontTask(Lock& lock);
+    bool callTask(TaskFunction& task, const std::string& taskName);
+    void describeWhenDetached();
+
+    std::shared_ptr<AsyncQueue::Context> mContext;
+    const std::string mName;
+};
+
+} // namespace tarn
