@@ -1,0 +1,66 @@
+#pragma once
+
+#include "logging/FileLogger.h"
+#include "platform/KnownFolders.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace tarn::testing {
+
+/// Loggers in a folder of their own, with the smallest size limit (500,000 bytes).
+class FileLoggerFixture : public ::testing::Test {
+protected:
+    static constexpr auto kNever = std::chrono::hours(24);
+    static constexpr auto kAtOnce = std::chrono::hours(0);
+
+    std::shared_ptr<FileLogger> makeLogger(std::chrono::milliseconds retryInterval = kNever,
+                                           bool keepWhileFailed = true) const {
+        auto logger = std::make_shared<FileLogger>(logs, 1, files, nullptr, keepWhileFailed);
+        logger->setRetryInterval(retryInterval);
+        return logger;
+    }
+    std::shared_ptr<FileLogger> startLogger(bool movePreviousRun = true) const {
+        auto logger = makeLogger();
+        logger->start(movePreviousRun);
+        return logger;
+    }
+    void log(BaseFileLogger& logger, const std::string& line) const { logger.log(line, {}); }
+    /// Lines of 100 bytes with their line feed, numbered from `first`.
+    void logNumbered(BaseFileLogger& logger, int first, int count) const {
+        for (int number = first; number < first + count; ++number) {
+            log(logger, numbered(number));
+        }
+    }
+    static std::string numbered(int number) {
+        const std::string text = std::to_string(number);
+        return text + std::string(99 - text.size(), '.');
+    }
+    static std::string numberedLines(int first, int count) {
+        std::string lines;
+        for (int number = first; number < first + count; ++number) {
+            lines += numbered(number) + '\n';
+        }
+        return lines;
+    }
+    std::string path(const std::string& name) const { return files->joinPath(logs, name); }
+    std::string content(const std::string& name) const { return readFile(path(name)); }
+
+    /// For long contents: a failure tells the sizes alone.
+    void expectContent(const std::string& name, const std::string& expected) const {
+        const std::string actual = content(name);
+        EXPECT_TRUE(actual == expected)
+            << name << ": " << actual.size() << " bytes instead of " << expected.size();
+    }
+
+    const TemporaryFolder folder;
+    const std::string logs = folder.makeFolder("Logs");
+    const std::shared_ptr<FileUtils> files = std::make_shared<FileUtils>();
+};
+
+} // namespace tarn::testing
