@@ -27,9 +27,11 @@ std::int32_t Converter::StartSingle(const char* source, const char* destination,
 }
 
 std::int32_t Converter::StartMultiple(const char* const* sources, std::uint64_t count,
-                                      const char* destination, std::uint32_t /*engineParam1*/,
-                                      std::uint32_t /*engineParam2*/) {
+                                      const char* destination, std::uint32_t engineParam1,
+                                      std::uint32_t engineParam2) {
     try {
+        trace(TraceLevel::Trace, text("Start with ", count, " sources, parameters ", engineParam1,
+                                      " and ", engineParam2, ", which mean nothing here"));
         return start(sources, count, destination);
     } catch (...) {
         return refuse(ErrorCode::OutOfMemory, "Out of memory");

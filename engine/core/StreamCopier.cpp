@@ -6,6 +6,14 @@
 
 namespace zelcore {
 
+namespace {
+
+// Matroska stores no decoding times; libavformat knows them once it has seen as many pictures as
+// the codec may reorder, at most sixteen.
+constexpr std::size_t kMostHeld = 32;
+
+} // namespace
+
 StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer)
     : mMuxer(muxer), mTrack(muxer.written().size()) {
     const AVStream& from = *plan.reference;
@@ -29,6 +37,7 @@ void StreamCopier::beginPart(const AVStream& stream, Ticks offset) {
     mOffset = av_rescale_q(offset, kTicks, mTimeBase);
     // What comes before the first key frame of a recording that was joined late shows nothing.
     mAwaitsKeyFrame = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+    mKnowsDecodingTime = false;
 }
 
 void StreamCopier::accept(AVPacket& packet) {
@@ -47,7 +56,35 @@ void StreamCopier::accept(AVPacket& packet) {
     if (packet.dts != kNoTime) {
         packet.dts += mOffset;
     }
+    if (packet.dts == kNoTime && mHeld.size() < kMostHeld && !mKnowsDecodingTime) {
+        mHeld.push_back(makePacket());
+        av_packet_move_ref(mHeld.back().get(), &packet);
+        return;
+    }
+    if (!mKnowsDecodingTime) {
+        mKnowsDecodingTime = true;
+        writeHeld(packet.dts == kNoTime ? packet.pts : packet.dts);
+    }
     mMuxer.write(mTrack, packet, mTimeBase);
+}
+
+void StreamCopier::endPart() {
+    if (!mHeld.empty()) {
+        writeHeld(mHeld.back()->pts);
+    }
+}
+
+void StreamCopier::writeHeld(std::int64_t next) {
+    for (auto held = mHeld.rbegin(); next != kNoTime && held != mHeld.rend(); ++held) {
+        AVPacket& packet = **held;
+        next -= std::max<std::int64_t>(packet.duration, 1);
+        next = packet.pts == kNoTime ? next : std::min(next, packet.pts);
+        packet.dts = next;
+    }
+    for (const PacketPtr& held : mHeld) {
+        mMuxer.write(mTrack, *held, mTimeBase);
+    }
+    mHeld.clear();
 }
 
 } // namespace zelcore

@@ -2,6 +2,8 @@
 
 #include "engine/core/Track.h"
 
+#include <vector>
+
 namespace zelcore {
 
 /// Takes packets over as they are.
@@ -11,15 +13,20 @@ public:
 
     void beginPart(const AVStream& stream, Ticks offset) override;
     void accept(AVPacket& packet) override;
-    void endPart() override {}
+    void endPart() override;
     void finish() override {}
 
 private:
+    /// Gives the packets held back decoding times that lead up to `next`, and writes them.
+    void writeHeld(std::int64_t next);
+
     Muxer& mMuxer;
     std::size_t mTrack;
     AVRational mTimeBase{};
     std::int64_t mOffset = 0; ///< in mTimeBase
     bool mAwaitsKeyFrame = false;
+    bool mKnowsDecodingTime = false; ///< of the part's first packets
+    std::vector<PacketPtr> mHeld; ///< a part's first packets, as long as none tells a decoding time
 };
 
 } // namespace zelcore

@@ -1,0 +1,207 @@
+#include "engine/EngineUnderTest.h"
+#include "engine/MediaProbe.h"
+#include "platform/Files.h"
+#include "platform/Text.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace zelcore::testing {
+
+using namespace tarn;
+
+class Lifetime : public EngineTest {
+protected:
+    /// A conversion of some seconds, caught in the act.
+    void startLong(RecordingSink& sink) {
+        ASSERT_EQ(start(*engine.create(sink), {recording("long.webm"), recording("long.webm")},
+                        destination()),
+                  0);
+        ASSERT_TRUE(sink.waitForProgress(1));
+    }
+    void waitUntilNoTemporaryIsLeft() const {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!temporaries(folder.path()).empty()) {
+            ASSERT_LT(std::chrono::steady_clock::now(), limit);
+            std::this_thread::yield();
+        }
+    }
+};
+
+TEST_F(Lifetime, AStopEndsAConversionWithinASecondAndLeavesNothing) {
+    RecordingSink sink;
+    ASSERT_NO_FATAL_FAILURE(startLong(sink));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(engine.stopConversions(10'000), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    const std::size_t calls = sink.calls();
+    EXPECT_THAT(sink.errors(), ::testing::IsEmpty());
+    EXPECT_LT(sink.progress().back(), 100.0F);
+    EXPECT_THAT(platform::listFolder(folder.path())->size(), 0U);
+    EXPECT_EQ(engine.stopConversions(0), 0);
+    EXPECT_EQ(sink.calls(), calls);
+}
+
+TEST_F(Lifetime, AStopFromWithinACallDoesNotWaitForItself) {
+    RecordingSink sink;
+    std::atomic<std::int32_t> result{-1};
+    sink.onProgress = [&](float) { result = engine.stopConversions(10'000); };
+    ASSERT_EQ(start(*engine.create(sink), {recording("long.webm")}, destination()), 0);
+    ASSERT_TRUE(sink.waitForProgress(-1));
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(engine.stopConversions(10'000), 0);
+    EXPECT_EQ(sink.calls(), 1U);
+}
+
+TEST_F(Lifetime, AnUnloadDuringAConversionSilencesItAndLeavesNothing) {
+    auto sink = std::make_unique<RecordingSink>();
+    ASSERT_NO_FATAL_FAILURE(startLong(*sink));
+    engine.unloadConverter();
+    EXPECT_LT(sink->progress().back(), 100.0F);
+    sink.reset(); // a later call would be caught by the sanitizers, or crash
+    waitUntilNoTemporaryIsLeft();
+    EXPECT_FALSE(platform::fileDetails(destination()));
+}
+
+TEST_F(Lifetime, AnEngineThatWasUnloadedCanBeLoadedAgain) {
+    engine.unloadConverter();
+    engine.unloadClient();
+    LoadedEngine again;
+    RecordingSink sink;
+    ASSERT_EQ(start(*again.create(sink), {recording("h264-aac.mkv")}, destination()), 0);
+    ASSERT_TRUE(sink.waitForEnd());
+    EXPECT_THAT(probe(destination()), ::testing::SizeIs(2));
+    engine.setTraceSink = nullptr;
+}
+
+TEST_F(Lifetime, ConversionsSideBySideDoNotMix) {
+    RecordingSink sinks[3];
+    const std::string failing = folder / "missing";
+    ASSERT_EQ(start(*engine.create(sinks[0]), {recording("vp9-opus.webm")}, folder / "0.mp4"), 0);
+    ASSERT_EQ(start(*engine.create(sinks[1]), {failing}, folder / "1.mp4"), 0);
+    ASSERT_EQ(start(*engine.create(sinks[2]), {recording("h264-aac.mkv")}, folder / "0.mp4"), 0);
+    for (RecordingSink& sink : sinks) {
+        ASSERT_TRUE(sink.waitForEnd());
+    }
+    EXPECT_THAT(sinks[0].errors(), ::testing::IsEmpty());
+    EXPECT_THAT(sinks[1].errors(), ::testing::ElementsAre(20001));
+    EXPECT_THAT(sinks[2].errors(), ::testing::IsEmpty());
+    EXPECT_THAT(probe(folder / "0.mp4"), ::testing::SizeIs(2));
+}
+
+// Tables written by hand, as another compiler would lay them out.
+namespace ctable {
+
+struct Sink;
+struct SinkTable {
+    void* (*destructor)(Sink*, unsigned);
+    void (*onProgress)(Sink*, float);
+    void (*onError)(Sink*, std::int32_t);
+};
+struct Sink {
+    const SinkTable* table;
+    std::atomic<int> destroyed{0};
+    std::atomic<int> errors{0};
+    std::atomic<bool> isComplete{false};
+};
+struct Converter;
+struct ConverterTable {
+    void (*reserved[6])(Converter*);
+    std::int32_t (*startSingle)(Converter*, const char*, const char*, std::uint32_t, std::uint32_t);
+    std::int32_t (*startMultiple)(Converter*, const char* const*, std::uint64_t, const char*,
+                                  std::uint32_t, std::uint32_t);
+};
+struct Converter {
+    const ConverterTable* table;
+};
+struct TraceSink;
+struct TraceTable {
+    std::int32_t (*onTrace)(TraceSink*, std::uint32_t, const char*);
+    void* (*destructor)(TraceSink*, unsigned);
+};
+struct TraceSink {
+    const TraceTable* table;
+    std::atomic<int> lines{0};
+    std::atomic<int> destroyed{0};
+};
+
+constexpr SinkTable sinkTable = {
+    [](Sink* self, unsigned) -> void* { return ++self->destroyed, nullptr; },
+    [](Sink* self, float percent) {
+        self->isComplete = percent >= 100.0F;
+        self->isComplete.notify_all();
+    },
+    [](Sink* self, std::int32_t) { ++self->errors; }};
+constexpr TraceTable traceTable = {
+    [](TraceSink* self, std::uint32_t, const char*) -> std::int32_t { return ++self->lines, 0; },
+    [](TraceSink* self, unsigned) -> void* { return ++self->destroyed, nullptr; }};
+
+} // namespace ctable
+
+TEST_F(Lifetime, TheTablesAreThoseOfTheContractWhicheverCompilerBuiltThem) {
+    ctable::TraceSink traces{&ctable::traceTable};
+    engine.setTraceSink(reinterpret_cast<zel::IZelTraceSink*>(&traces));
+    const std::string source = recording("h264-aac.mkv");
+    for (const std::uint64_t count : {1U, 2U}) {
+        ctable::Sink sink{&ctable::sinkTable};
+        zel::IZelMediaConverter* made = nullptr;
+        ASSERT_EQ(
+            engine.createConverter(&made, reinterpret_cast<zel::IZelMediaConverterSink*>(&sink)),
+            0);
+        auto* converter = reinterpret_cast<ctable::Converter*>(made);
+        const char* const sources[] = {source.c_str(), source.c_str()};
+        const auto& table = *converter->table;
+        ASSERT_EQ(count == 1
+                      ? table.startSingle(converter, sources[0], destination().c_str(), 3, 4)
+                      : table.startMultiple(converter, sources, count, destination().c_str(), 3, 4),
+                  0);
+        sink.isComplete.wait(false);
+        EXPECT_EQ(engine.stopConversions(60'000), 0);
+        EXPECT_EQ(sink.errors, 0);
+        EXPECT_EQ(sink.destroyed, 0);
+        EXPECT_EQ(probe(destination())[0].packets.size(), count * 30);
+    }
+    engine.setTraceSink(nullptr);
+    EXPECT_GT(traces.lines, 0);
+    EXPECT_EQ(traces.destroyed, 0);
+}
+
+class Trace : public EngineTest {};
+
+TEST_F(Trace, HonoursTheMaximumLevel) {
+    for (const std::int32_t level : {-1, 0, 2, 5}) {
+        trace.clear();
+        engine.setTraceMaxLevel(level);
+        RecordingSink sink;
+        ASSERT_EQ(start(*engine.create(sink), {recording("vp9-opus.webm")}, destination()), 0);
+        ASSERT_TRUE(sink.waitForEnd());
+        ASSERT_EQ(engine.stopConversions(60'000), 0);
+        std::uint32_t highest = 0;
+        for (const auto& line : trace.lines()) {
+            highest = std::max(highest, line.first);
+        }
+        EXPECT_EQ(trace.lines().empty(), level < 2);
+        EXPECT_EQ(highest, level < 2 ? 0U : level == 2 ? 2U : 4U);
+    }
+}
+
+TEST_F(Trace, ComesToASinkNoMoreOnceItIsDetachedUnderFire) {
+    RecordingSink sink;
+    zel::IZelMediaConverter& converter = *engine.create(sink);
+    ASSERT_EQ(start(converter, {recording("long.webm")}, destination()), 0);
+    for (int i = 0; i < 300 && sink.progress().empty(); ++i) {
+        std::this_thread::yield();
+    }
+    for (int i = 0; i < 200; ++i) {
+        auto another = std::make_unique<RecordingTraceSink>();
+        engine.setTraceSink(another.get());
+        engine.setTraceSink(nullptr);
+        another.reset(); // a call that was still under way would be caught by the sanitizers
+    }
+    EXPECT_EQ(engine.stopConversions(60'000), 0);
+}
+
+} // namespace zelcore::testing
