@@ -11,16 +11,38 @@ namespace {
 std::atomic<const LogHook*> currentHook{nullptr};
 std::atomic<LevelGate> currentGate{nullptr};
 
-} // namespace
-
-void setLogHook(LogHook hook) {
-    // Every hook ever set is kept reachable and never freed: a call on another thread may be in it,
-    // and logging goes on while the process exits.
+/// Every hook ever set is kept reachable and never freed: a call on another thread may be in it,
+/// and logging goes on while the process exits.
+const LogHook* keepHook(LogHook hook) {
     static std::mutex& mutex = *new std::mutex;
     static auto& hooks = *new std::vector<std::unique_ptr<const LogHook>>;
     const std::lock_guard lock(mutex);
     hooks.push_back(std::make_unique<const LogHook>(std::move(hook)));
-    currentHook.store(hooks.back().get(), std::memory_order_release);
+    return hooks.back().get();
+}
+
+} // namespace
+
+void setLogHook(LogHook hook) {
+    currentHook.store(keepHook(std::move(hook)), std::memory_order_release);
+}
+
+void setDefaultLogHook(LogHook hook, LevelGate gate) {
+    const LogHook* present = currentHook.load(std::memory_order_acquire);
+    if (present == nullptr || !*present) {
+        currentHook.compare_exchange_strong(present, keepHook(std::move(hook)));
+    }
+    LevelGate noGate = nullptr;
+    currentGate.compare_exchange_strong(noGate, gate);
+}
+
+LogHook logHook() {
+    const LogHook* hook = currentHook.load(std::memory_order_acquire);
+    return hook != nullptr ? *hook : LogHook();
+}
+
+LevelGate levelGate() noexcept {
+    return currentGate.load(std::memory_order_acquire);
 }
 
 void setLevelGate(LevelGate gate) noexcept {

@@ -24,6 +24,13 @@ void setLogHook(LogHook hook);
 /// Replaces the gate; null disables every level.
 void setLevelGate(LevelGate gate) noexcept;
 
+/// Installs a hook and a gate, each only where there is none.
+void setDefaultLogHook(LogHook hook, LevelGate gate);
+
+/// What is installed now; empty and null when nothing is.
+LogHook logHook();
+LevelGate levelGate() noexcept;
+
 bool isLogEnabled(RootLoggerLevel::Level level) noexcept;
 
 /// Hands a message to the hook. Never throws: a message that cannot be handed over is dropped.

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "logging/ILogger.h"
+#include "logging/LifeCycleFunctions.h"
+#include "logging/LogRecord.h"
+#include "logging/Scrubber.h"
+
+#include <atomic>
+#include <cstdint>
+#include <ctime>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+/// What the root logger's worker does with a record: scrubs it, makes the line and gives it to the
+/// sinks. Only the worker's thread uses it, but for the two setters of special sinks.
+class LogOutput {
+public:
+    /// Lines of this file are the engine's.
+    static constexpr std::string_view kEngineFile = "ZEL";
+    static constexpr std::string_view kLifeCycleTag = "AppLifeCycle #";
+
+    /// False when the sink is already registered.
+    bool addSink(std::shared_ptr<ILogger> sink);
+    /// False when the string is already masked.
+    bool addBlockedString(std::string text) { return mScrubber.add(std::move(text)); }
+    void scrub(std::string& text) { mScrubber.scrub(text); }
+    void write(LogRecord& record);
+    void flush();
+
+    /// From then on the engine's lines go to this sink only. Any thread.
+    void setEngineSink(std::shared_ptr<ILogger> sink) { mEngineSink.set(std::move(sink)); }
+    /// From then on life-cycle records go to this sink only, and only those of `functions`. Any
+    /// thread, once.
+    void setLifeCycleSink(std::shared_ptr<ILogger> sink, LifeCycleFunctions functions);
+
+    /// How many sinks were ever added. Any thread.
+    std::uint64_t sinkCount() const noexcept { return mSinkCount.load(); }
+
+private:
+    /// A sink that may be set while the worker runs; one that was ever set stays alive.
+    class SpecialSink {
+    public:
+        void set(std::shared_ptr<ILogger> sink);
+        ILogger* get() const noexcept { return mCurrent.load(std::memory_order_acquire); }
+
+    private:
+        std::mutex mMutex;
+        std::vector<std::shared_ptr<ILogger>> mKept;
+        std::atomic<ILogger*> mCurrent{nullptr};
+    };
+
+    void cleanMessage(LogRecord& record);
+    void expand(const LogRecord& record);
+    void formatLine(const LogRecord& record);
+    void dispatch(bool isLifeCycleRecord);
+    void writeTo(ILogger& sink);
+
+    std::vector<std::shared_ptr<ILogger>> mSinks;
+    std::atomic<std::uint64_t> mSinkCount{0};
+    Scrubber mScrubber;
+    SpecialSink mEngineSink;
+    SpecialSink mLifeCycleSink;
+    LifeCycleFunctions mLifeCycleFunctions;
+    LogComponents mComponents; ///< of the line in work; kept for its buffers
+    std::string mLine;         ///< likewise
+    std::time_t mLastTime = -1;
+};
+
+} // namespace tarn

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+/// Fails a test that leaves Error lines which it did not announce. A listener in every program that
+/// links this checks when a test ends; RecordingLogHook and FatalLogSink supply the lines.
+namespace tarn::testing {
+
+/// Error lines of the running test that begin so are expected. Before or after they are logged.
+void expectErrorLine(std::string beginning);
+
+/// Notes an Error line. Any thread.
+void noteErrorLine(std::string_view message);
+
+/// Run before the lines are checked, for what logs asynchronously. For the rest of the process.
+void beforeErrorCheck(std::function<void()> action);
+
+} // namespace tarn::testing
