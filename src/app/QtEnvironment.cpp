@@ -1,0 +1,85 @@
+#include "app/QtEnvironment.h"
+
+#include "logging/LogCall.h"
+#include "platform/Library.h"
+#include "platform/Text.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QQmlEngine>
+#include <QtEnvironmentVariables>
+
+namespace recordconverter::app {
+namespace {
+
+using tarn::RootLoggerLevel::Info;
+using tarn::RootLoggerLevel::Warn;
+
+constexpr std::size_t kRuntimeFolder = 1;
+
+QString runtimeFolder(const std::vector<std::string>& arguments) {
+    return QString::fromStdString(arguments[kRuntimeFolder]);
+}
+
+QString moduleFolder(const std::vector<std::string>& arguments) {
+    return QDir::cleanPath(runtimeFolder(arguments) + QDir::separator() + QStringLiteral("qml"));
+}
+
+void useRuntimeFolder(const std::vector<std::string>& arguments) {
+    const QString folder = runtimeFolder(arguments);
+    QCoreApplication::setLibraryPaths({folder});
+    if (!tarn::platform::addLibraryFolder(tarn::platform::toWide(arguments[kRuntimeFolder]))) {
+        TARN_LOG(Warn, "Can not add the runtime folder to the library folders, errorCode: "
+                           << tarn::platform::lastError());
+    }
+    const QString importPath = QDir::cleanPath(folder) + QDir::listSeparator() +
+                               QDir::cleanPath(QStringLiteral(":/qt/qml")) + QDir::listSeparator() +
+                               moduleFolder(arguments);
+    qputenv("QML_IMPORT_PATH", importPath.toUtf8());
+    qputenv("QT_QUICK_CONTROLS_STYLE", "Basic");
+}
+
+} // namespace
+
+void prepareQtEnvironment(const std::vector<std::string>& arguments) {
+    for (const char* const name : {"QTDIR", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH",
+                                   "QTWEBENGINE_REMOTE_DEBUGGING", "QML2_IMPORT_PATH"}) {
+        qunsetenv(name);
+    }
+    qputenv("QT_LOGGING_RULES", "*.info=true;");
+    // The process ends by exit() with the window open: no thread of Qt's may be drawing then.
+    qputenv("QSG_RENDER_LOOP", "basic");
+    if (arguments.size() > kRuntimeFolder) {
+        useRuntimeFolder(arguments);
+    }
+}
+
+void limitLibraryPaths(const std::vector<std::string>& arguments) {
+    if (arguments.size() > kRuntimeFolder) {
+        QCoreApplication::setLibraryPaths({runtimeFolder(arguments)});
+    }
+}
+
+void limitImportPaths(QQmlEngine& engine, const std::vector<std::string>& arguments) {
+    if (arguments.size() > kRuntimeFolder) {
+        // Searched in this order. Stated anew rather than picked out of Qt's list: where ':'
+        // separates, Qt reads ":/qt/qml" in the environment variable as the folder /qt/qml.
+        engine.setImportPathList({QDir::cleanPath(runtimeFolder(arguments)),
+                                  QStringLiteral("qrc:/qt/qml"), moduleFolder(arguments),
+                                  QStringLiteral("qrc:/qt-project.org/imports")});
+    }
+}
+
+void logQtEnvironment() {
+    // Without an application object Qt answers with an empty path and a warning on standard error.
+    const QString programFolder = QCoreApplication::instance() != nullptr
+                                      ? QCoreApplication::applicationDirPath()
+                                      : QString();
+    TARN_LOG(Info, "QTDIR:" << qgetenv("QTDIR").toStdString() << ", qtPluginPath:"
+                            << qgetenv("QT_PLUGIN_PATH").toStdString() << ", qtPlatformPluginPath:"
+                            << qgetenv("QT_QPA_PLATFORM_PLUGIN_PATH").toStdString()
+                            << ", currentPath:" << QDir::currentPath().toStdString()
+                            << ", appPath:" << programFolder.toStdString());
+}
+
+} // namespace recordconverter::app

@@ -1,0 +1,26 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtGraphicalEffects 1.15
+
+Button {
+    id: button
+
+    property int buttonSize: 32
+    property color iconButtonBoardColor: Qt.rgba(255, 255, 255, 0.5)
+    property color iconButtonBackgroundColor: Qt.rgba(0, 0, 0, 1)
+    property color iconButtonImageColor: Qt.rgba(255, 255, 255, 1)
+    property string iconButtonSvg: ""
+    property bool isDark: true
+    readonly property color focusOutlineColor: isDark ? "#64B4FA" : "#1170CF"
+
+    implicitWidth: buttonSize
+    implicitHeight: buttonSize
+    width: buttonSize
+    height: buttonSize
+    background: Icon.Disc { control: button }
+    contentItem: Icon.Glyph { control: button }
+
+    // Space presses a button by itself.
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+}

@@ -1,0 +1,18 @@
+#include <QApplication>
+#include <gtest/gtest.h>
+
+/// Tests of the window: a real one, on the offscreen platform and the software renderer unless the
+/// environment says otherwise, with what Qt loads taken from the runtime folder as in a real run.
+int main(int argc, char** argv) {
+    for (const auto& [name, value] :
+         {std::pair{"QT_QPA_PLATFORM", "offscreen"}, std::pair{"QT_QUICK_BACKEND", "software"},
+          std::pair{"QT_QUICK_CONTROLS_STYLE", "Basic"}}) {
+        if (!qEnvironmentVariableIsSet(name)) {
+            qputenv(name, value);
+        }
+    }
+    QCoreApplication::setLibraryPaths({QStringLiteral(RUNTIME_FOLDER)});
+    const QApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
