@@ -7,7 +7,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QQmlEngine>
-#include <QtEnvironmentVariables>
+#include <QtGlobal>
 
 namespace recordconverter::app {
 namespace {
