@@ -261,9 +261,9 @@ TEST_P(WindowView, KeepsLongTextsBetweenItsBordersAndOffItsButtons) {
     Toast toast;
     toast.showAndSettle(GetParam().view);
     const QString word = "Aufzeichnungsumwandlungsvorbereitungsfehlermeldung";
-    for (const QString& text : {QString("Words and words. ").repeated(40), word.repeated(4),
-                                QString(word + " " + word), QString("録画を変換。").repeated(30),
-                                QString("a\nb\nc\nd\ne"), QString()}) {
+    for (const QString& text :
+         {QString("Words and words. ").repeated(40), word.repeated(4), QString(word + " " + word),
+          QString("録画を変換。").repeated(30), QString("a\nb\nc\nd\ne"), QString()}) {
         toast.controller.setTexts(text);
         toast.grab();
         const QList<QQuickItem*> row = toast.row(GetParam().view);
