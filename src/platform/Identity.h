@@ -14,6 +14,9 @@ std::optional<std::string> userName();
 
 std::uint32_t processId();
 
+/// False when no process of this computer has the identifier; true also when that cannot be told.
+bool isProcessRunning(std::uint32_t processId);
+
 /// The system's identifier of the calling thread, the one a debugger shows. Cached per thread.
 std::uint32_t threadId();
 

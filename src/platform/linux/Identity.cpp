@@ -1,7 +1,9 @@
 #include "platform/Identity.h"
 
 #include <array>
+#include <cerrno>
 #include <climits>
+#include <csignal>
 #include <pwd.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -29,6 +31,10 @@ std::optional<std::string> userName() {
 
 std::uint32_t processId() {
     return static_cast<std::uint32_t>(getpid());
+}
+
+bool isProcessRunning(std::uint32_t processId) {
+    return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
 }
 
 std::uint32_t threadId() {

@@ -31,6 +31,18 @@ std::uint32_t processId() {
     return GetCurrentProcessId();
 }
 
+bool isProcessRunning(std::uint32_t processId) {
+    const HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId);
+    if (process == nullptr) {
+        return GetLastError() != ERROR_INVALID_PARAMETER;
+    }
+    // An ended process keeps its identifier while somebody holds a handle to it.
+    DWORD code = STILL_ACTIVE;
+    GetExitCodeProcess(process, &code);
+    CloseHandle(process);
+    return code == STILL_ACTIVE;
+}
+
 std::uint32_t threadId() {
     return GetCurrentThreadId(); // a read of the thread's own block, nothing to cache
 }
