@@ -1,0 +1,45 @@
+# Stand-ins for the engine's libraries, and what starts programs.
+# record_converter_fake_library(FOLDER NAME SOURCE [DEFINITION...])
+# Builds a stand-in library, as NAME is called on this system, into a folder of its own beside the
+# test programs.
+add_custom_target(fake_engines)
+function(record_converter_fake_library folder name source)
+    set(target fake_${folder}_${name})
+    add_library(${target} MODULE ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/${source})
+    target_compile_definitions(${target} PRIVATE ${ARGN})
+    target_link_libraries(${target} PRIVATE Threads::Threads)
+    record_converter_warnings(${target})
+    record_converter_link_runtime(${target})
+    # Exports what its extern "C" block holds on either system, without attributes.
+    set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET default
+        OUTPUT_NAME ${name} PREFIX ${CMAKE_SHARED_MODULE_PREFIX}
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/fake-engines/${folder})
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES PREFIX "")
+    elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # A library with unique symbols, of which the standard library has some, is never unloaded.
+        target_compile_options(${target} PRIVATE -fno-gnu-unique)
+    endif()
+    add_dependencies(fake_engines ${target})
+endfunction()
+
+record_converter_fake_library(whole mediaconverter FakeEngine.cpp)
+record_converter_fake_library(whole zelclient FakeClient.cpp)
+record_converter_fake_library(no-stop mediaconverter FakeEngine.cpp FAKE_NO_STOP)
+if(NOT WIN32)
+    target_link_options(fake_no-stop_mediaconverter PRIVATE -Wl,-z,nodelete)
+endif()
+record_converter_fake_library(no-factory mediaconverter FakeEngine.cpp FAKE_NO_FACTORY)
+record_converter_fake_library(no-factory zelclient FakeClient.cpp FAKE_NO_EXPORTS)
+record_converter_fake_library(failing-factory mediaconverter FakeEngine.cpp
+    FAKE_FACTORY_RESULT=0x1000)
+record_converter_fake_library(no-instance mediaconverter FakeEngine.cpp FAKE_STORES_NOTHING)
+
+if(WIN32)
+    set(support_platform windows)
+else()
+    set(support_platform linux)
+endif()
+record_converter_library(rc_engine_test_support
+    SOURCES FakeLibraries.cpp ProcessRunner.cpp TemporaryFolder.cpp ${support_platform}/ProcessRunner.cpp
+    LINK rc_utils rc_platform rc_test_support)
