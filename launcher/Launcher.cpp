@@ -1,0 +1,89 @@
+#include "launcher/Launcher.h"
+
+#include "launcher/Options.h"
+#include "launcher/Paths.h"
+#include "launcher/Preflight.h"
+#include "launcher/TerminalConversion.h"
+#include "launcher/Texts.h"
+#include "logging/LogCall.h"
+#include "logging/LogLocations.h"
+#include "logging/RootLogger.h"
+#include "platform/Interrupt.h"
+#include "platform/Terminal.h"
+#include "recordconverter/WinConverterLog.h"
+
+#include <exception>
+#include <memory>
+
+namespace launcher {
+namespace {
+
+using tarn::platform::TerminalStream;
+
+ExitStatus refuse(const std::string& sentence) {
+    tarn::platform::writeTerminal(TerminalStream::Error, "record-converter: " + sentence + "\n");
+    return NotStarted;
+}
+
+Job makeJob(const Options& options) {
+    Job job;
+    for (const std::string& source : options.sources) {
+        job.sources.push_back(absolutePath(source));
+    }
+    job.destination = absolutePath(options.destination);
+    job.engineFolder =
+        options.engineFolder.empty() ? defaultEngineFolder() : resolvedFolder(options.engineFolder);
+    job.deleteSources = options.deleteSources;
+    return job;
+}
+
+ExitStatus convert(const Options& options) {
+    const Job job = makeJob(options);
+    if (const Objection objection = checkFiles(job)) {
+        return refuse(*objection);
+    }
+    auto converterLog = std::make_shared<recordconverter::WinConverterLog>();
+    converterLog->initialize(0, nullptr);
+    TARN_LOG(tarn::RootLoggerLevel::Info, "record-converter " RECORD_CONVERTER_VERSION ", engine: "
+                                              << job.engineFolder
+                                              << ", sources: " << job.sources.size()
+                                              << ", destination: " << job.destination);
+    if (const Objection objection = checkEngine(job.engineFolder)) {
+        TARN_LOG(tarn::RootLoggerLevel::Error, *objection);
+        tarn::RootLogger::getInstance().flush();
+        return refuse(*objection);
+    }
+    const ExitStatus status = convertInTerminal(job, converterLog);
+    converterLog.reset();
+    tarn::RootLogger::getInstance().flush();
+    return status;
+}
+
+int obey(const CommandLine& commandLine) {
+    if (std::holds_alternative<HelpWanted>(commandLine)) {
+        tarn::platform::writeTerminal(TerminalStream::Output, helpText(tarn::toolLogFolder()));
+        return 0;
+    }
+    if (std::holds_alternative<VersionWanted>(commandLine)) {
+        tarn::platform::writeTerminal(TerminalStream::Output, versionText());
+        return 0;
+    }
+    if (const auto* error = std::get_if<UsageError>(&commandLine)) {
+        return refuse(error->sentence + " See record-converter --help.");
+    }
+    return convert(std::get<Options>(commandLine));
+}
+
+} // namespace
+
+int runLauncher(const std::vector<std::string>& arguments) {
+    tarn::platform::catchInterrupts();
+    try {
+        return obey(parseCommandLine(
+            {arguments.empty() ? arguments.begin() : arguments.begin() + 1, arguments.end()}));
+    } catch (const std::exception& error) {
+        return refuse(std::string("An unexpected error ended the program: ") + error.what());
+    }
+}
+
+} // namespace launcher

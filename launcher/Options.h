@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace launcher {
+
+enum class Theme { Light, Dark };
+
+/// What the command line asks for. Paths are UTF-8, as they were given.
+struct Options {
+    std::vector<std::string> sources;
+    std::string destination;
+    std::string engineFolder; ///< empty: the runtime folder beside the program
+    Theme theme = Theme::Light;
+    bool window = true;
+    bool deleteSources = false;
+};
+
+struct HelpWanted {};
+struct VersionWanted {};
+/// A sentence that says what is wrong with the command line.
+struct UsageError {
+    std::string sentence;
+};
+
+using CommandLine = std::variant<Options, HelpWanted, VersionWanted, UsageError>;
+
+/// Reads the arguments that follow the program's name. "--" ends the options; "-" is no option.
+CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+
+} // namespace launcher

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace launcher {
+
+/// The path seen from the working folder, links kept as they are. UTF-8.
+std::string absolutePath(const std::string& path);
+
+/// The folder itself, seen through links, absolute and without a separator at its end. UTF-8.
+std::string resolvedFolder(const std::string& path);
+
+/// "<folder of the program>/../runtime", resolved.
+std::string defaultEngineFolder();
+
+} // namespace launcher

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace launcher {
+
+/// A conversion to be done, all paths absolute and UTF-8.
+struct Job {
+    std::vector<std::string> sources;
+    std::string destination;
+    std::string engineFolder;
+    bool deleteSources = false;
+};
+
+/// One sentence that names what stands in the way and what to do; nothing when the way is free.
+using Objection = std::optional<std::string>;
+
+/// The sources can be read, and the destination can be written and is none of them.
+Objection checkFiles(const Job& job);
+
+/// The engine library is there, loads and exports its factory. It stays loaded for the life of the
+/// process.
+Objection checkEngine(const std::string& engineFolder);
+
+} // namespace launcher

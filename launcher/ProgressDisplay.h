@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Terminal.h"
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace launcher {
+
+/// One line of progress: "[#####.....]  50 %  12.3 MB/s  0:42 left", cut to `width` columns. Speed
+/// and time are left out while there is nothing to tell them from.
+std::string progressLine(float percent, std::chrono::milliseconds elapsed, std::uint64_t bytes,
+                         int width);
+
+/// Shows progress on standard error: a bar that is redrawn on a terminal, a plain line for each
+/// tenth elsewhere.
+class ProgressDisplay {
+public:
+    /// `bytes` is the size of the sources together.
+    explicit ProgressDisplay(std::uint64_t bytes);
+
+    void update(float percent);
+    /// Ends the bar's line, so that text may follow.
+    void finish();
+
+private:
+    std::uint64_t mBytes;
+    bool mTerminal;
+    std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
+    std::string mShown;
+    int mTenths = 0;
+};
+
+} // namespace launcher

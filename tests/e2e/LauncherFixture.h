@@ -1,0 +1,39 @@
+#pragma once
+
+#include "support/ProcessRunner.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace e2e {
+
+using tarn::testing::Process;
+using tarn::testing::ProcessResult;
+
+/// Starts the built launcher with a data folder of the test's own, and looks at what it leaves.
+class LauncherFixture : public ::testing::Test {
+protected:
+    /// The launcher's command with `--no-window` and the arguments, not started yet.
+    Process::Start command(const std::vector<std::string>& arguments) const;
+    ProcessResult launch(const std::vector<std::string>& arguments) const;
+    /// The same on a variant of the fake engine, whose script is `source`'s content.
+    ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const;
+
+    /// The log of the last run that wrote one.
+    std::vector<std::string> logLines() const;
+    /// How many lines of the log hold the text.
+    int logged(const std::string& text) const;
+
+    /// The names in the working folder, sorted.
+    std::vector<std::string> filesLeft() const;
+    static bool exists(const std::string& path);
+
+    tarn::testing::TemporaryFolder mData;
+    tarn::testing::TemporaryFolder mFolder;
+    std::string mDestination = mFolder / "out.mp4";
+};
+
+} // namespace e2e
