@@ -37,6 +37,15 @@ struct AsyncQueue::Context {
     std::atomic<std::thread::id> mThreadId{};
     bool mIsWorkerWaiting = false; ///< spares a wake-up that nobody waits for
 
+    Context() = default;
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+    ~Context() {
+        if (mThread.joinable()) {
+            mThread.detach(); // joining failed before; it must not end the program now
+        }
+    }
+
     bool isInitialiserPhase() const {
         const State state = mState.load();
         return state == State::Initialising || state == State::Processing;

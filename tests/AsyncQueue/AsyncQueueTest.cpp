@@ -1,0 +1,159 @@
+#include "AsyncQueueFixture.h"
+#include "platform/Identity.h"
+#include "threading/ScopedThreadNotifications.h"
+#include "threading/ThreadUtilities.h"
+
+#include <atomic>
+#include <thread>
+
+namespace tarn {
+namespace {
+
+using ::testing::ElementsAre;
+
+using AsyncQueueTest = AsyncQueueFixture;
+
+TEST_F(AsyncQueueTest, RunsFrontPostedTasksInReverseOrderOfPostingBeforeTheOthers) {
+    hold();
+    post("back 1");
+    post("back 2", 2);
+    post("front 1", 1);
+    post("front 2", 1);
+    EXPECT_EQ(mQueue->pendingTaskCount(), 4U);
+    EXPECT_TRUE(mQueue->hasPendingTasks());
+    release();
+    mQueue->stop();
+    EXPECT_THAT(notes(), ElementsAre("front 2", "front 1", "back 1", "back 2"));
+    EXPECT_FALSE(mQueue->hasPendingTasks());
+}
+
+TEST_F(AsyncQueueTest, DropsTasksByTypeAndDestroysThemOutsideTheLock) {
+    hold();
+    post("kept 1", 0, 1);
+    for (int count = 0; count < 2; ++count) {
+        // Asking the queue would wait for ever under its lock.
+        mQueue->post("dropped", TaskFunction(OnDestruction([this] {
+                         note("dropped, left: " + std::to_string(mQueue->pendingTaskCount()));
+                     })),
+                     0, 2);
+    }
+    post("kept 2", 1, 3);
+    mQueue->cancelTasks(77);
+    EXPECT_EQ(mQueue->pendingTaskCount(), 4U);
+    mQueue->cancelTasks(2);
+    EXPECT_EQ(mQueue->pendingTaskCount(), 2U);
+    release();
+    mQueue->stop();
+    EXPECT_THAT(notes(), ElementsAre("dropped, left: 2", "dropped, left: 2", "kept 2", "kept 1"));
+}
+
+TEST_F(AsyncQueueTest, ClearsEverythingOutsideTheLock) {
+    hold();
+    mQueue->post("dropped", TaskFunction(OnDestruction([this] {
+                     note("dropped, left: " + std::to_string(mQueue->pendingTaskCount()));
+                 })),
+                 0, 0);
+    post("dropped too");
+    mQueue->clear();
+    EXPECT_FALSE(mQueue->hasPendingTasks());
+    release();
+    mQueue->stop();
+    EXPECT_THAT(notes(), ElementsAre("dropped, left: 0"));
+}
+
+TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
+    std::uint32_t worker = 0;
+    for (const char* name : {"first", "first", "second"}) {
+        run(name, [&] {
+            worker = platform::threadId();
+            EXPECT_EQ(mQueue->currentTaskName(), name);
+            EXPECT_EQ(ThreadUtilities::getThreadDescription(worker),
+                      "AsyncQueue::Q[" + std::string(name) + "]");
+            EXPECT_EQ(ScopedThreadNotifications::currentScope(), nullptr);
+            EXPECT_EQ(hint_external_input::share(), nullptr);
+            EXPECT_TRUE(mQueue->isQueueThread());
+            EXPECT_EQ(mQueue->threadId(), std::this_thread::get_id());
+            // Neither may be left to the next task.
+            ThreadUtilities::setThreadDescription("a task's own name");
+            hint_external_input::set("a task's", "context");
+        }).wait();
+    }
+    hold();
+    std::promise<std::string> idleName;
+    mQueue->post("last", TaskFunction([] {}), 0, 0);
+    EXPECT_FALSE(mQueue->suspend([&] {
+        idleName.set_value(mQueue->currentTaskName() + "|" +
+                           ThreadUtilities::getThreadDescription(worker));
+    }));
+    release();
+    EXPECT_EQ(idleName.get_future().get(), "|AsyncQueue::Q[Suspension]");
+    mQueue->resume();
+    EXPECT_FALSE(mQueue->isQueueThread());
+}
+
+TEST_F(AsyncQueueTest, RegistersItsScopesWhenAskedTo) {
+    AsyncQueue registering("R", true);
+    std::promise<bool> isRegistered;
+    registering.post(
+        "look", TaskFunction([&] {
+            isRegistered.set_value(ScopedThreadNotifications::currentScope() != nullptr);
+        }),
+        0, 0);
+    EXPECT_TRUE(isRegistered.get_future().get());
+}
+
+TEST_F(AsyncQueueTest, KeepsEachPostersOrderWhileOthersDropSuspendAndResume) {
+    constexpr int kPosters = 8;
+    constexpr int kTasks = 2000;
+    std::vector<int> next(kPosters, 0);
+    bool isInOrder = true;
+    std::atomic<int> droppedOrRun{0};
+    std::vector<std::thread> threads;
+    for (int poster = 0; poster < kPosters; ++poster) {
+        threads.emplace_back([&, poster] {
+            for (int number = 0; number < kTasks; ++number) {
+                mQueue->post("count", TaskFunction([&, poster, number] {
+                                 auto& expected = next[static_cast<std::size_t>(poster)];
+                                 isInOrder = isInOrder && expected == number;
+                                 expected = number + 1;
+                             }),
+                             0, 0);
+                // Counted when it is destroyed, whether it ran or was dropped.
+                const auto counted = std::shared_ptr<void>(nullptr, [&](void*) { ++droppedOrRun; });
+                mQueue->post("droppable", TaskFunction([counted] {}), number % 3 == 0 ? 1 : 0, 9);
+            }
+        });
+    }
+    threads.emplace_back([&] {
+        for (int round = 0; round < 200; ++round) {
+            mQueue->suspend(round % 2 == 0 ? std::function<void()>()
+                                           : [this] { mQueue->resume(); });
+            mQueue->cancelTasks(9);
+            mQueue->resume();
+        }
+    });
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    mQueue->resume();
+    std::promise<void> isDrained;
+    mQueue->post("drained", TaskFunction([&] { isDrained.set_value(); }), 0, 0);
+    isDrained.get_future().wait();
+    mQueue->stop();
+    EXPECT_TRUE(isInOrder);
+    EXPECT_THAT(next, ::testing::Each(kTasks));
+    EXPECT_EQ(droppedOrRun, kPosters * kTasks);
+}
+
+TEST(AsyncQueueState, HasATextForEachState) {
+    using State = AsyncQueue::State;
+    std::vector<std::string> texts;
+    for (std::uint32_t value = 0; value < 6; ++value) {
+        texts.emplace_back(AsyncQueue::stateName(static_cast<State>(value)));
+    }
+    EXPECT_THAT(texts,
+                ElementsAre("initialising", "processing", "running", "exiting", "stopped", ""));
+}
+
+} // namespace
+} // namespace tarn

@@ -1,0 +1,126 @@
+#include "platform/Identity.h"
+#include "threading/ExternalInput.h"
+#include "threading/ScopedThreadNotifications.h"
+#include "threading/ThreadUtilities.h"
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <semaphore>
+#include <thread>
+
+namespace tarn {
+namespace {
+
+using ThreadUtilities::getThreadDescription;
+using ThreadUtilities::setThreadDescription;
+
+std::string ownDescription() {
+    return getThreadDescription(platform::threadId());
+}
+
+std::string ownName() {
+    std::string name;
+    ThreadUtilities::appendCurrentThreadName(name);
+    return name;
+}
+
+/// Threads of their own: what a test leaves on its thread is gone with it.
+void onNewThread(const std::function<void()>& work) {
+    std::thread(work).join();
+}
+
+TEST(ThreadUtilities, ShowsTheWholeDescriptionToOtherThreadsUntilTheThreadEnds) {
+    const std::string name = "Ein Faden für Übersetzungen: " + std::string(300, 'x');
+    std::binary_semaphore mayEnd{0};
+    std::promise<std::uint32_t> identifier;
+    std::thread thread([&] {
+        setThreadDescription(name);
+        EXPECT_EQ(ownName(), name);
+        identifier.set_value(platform::threadId());
+        mayEnd.acquire();
+    });
+    const std::uint32_t id = identifier.get_future().get();
+    EXPECT_EQ(getThreadDescription(id), name);
+    EXPECT_NE(getThreadDescription(platform::threadId()), name);
+    mayEnd.release();
+    thread.join();
+    EXPECT_EQ(getThreadDescription(id), "");
+}
+
+TEST(ThreadUtilities, StartsEveryThreadWithoutANameOrContext) {
+    setThreadDescription("parent");
+    hint_external_input::set("parent", "context");
+    onNewThread([] {
+        EXPECT_EQ(ownDescription(), "");
+        EXPECT_EQ(ownName(), "");
+        EXPECT_EQ(hint_external_input::share(), nullptr);
+    });
+    setThreadDescription("");
+    hint_external_input::clear();
+}
+
+TEST(ThreadUtilities, SharesACopyOfTheContextWhenItsFirstTextIsSet) {
+    onNewThread([] {
+        hint_external_input::set("", "only the second");
+        EXPECT_EQ(hint_external_input::share(), nullptr);
+        hint_external_input::set("first", "second");
+        const auto shared = hint_external_input::share();
+        hint_external_input::set("changed", "");
+        ASSERT_NE(shared, nullptr);
+        EXPECT_EQ(shared->first + "," + shared->second, "first,second");
+        EXPECT_EQ(hint_external_input::share()->first, "changed");
+        hint_external_input::clear();
+        EXPECT_EQ(hint_external_input::share(), nullptr);
+    });
+}
+
+TEST(ScopedThreadNotifications, PutsTheDescriptionBackAndLeavesNoContextBehind) {
+    onNewThread([] {
+        setThreadDescription("before");
+        {
+            const ScopedThreadNotifications scope("during", false);
+            EXPECT_EQ(ownDescription(), "during");
+            EXPECT_EQ(ownName(), "during");
+            hint_external_input::set("left", "behind");
+        }
+        EXPECT_EQ(ownDescription(), "before");
+        EXPECT_EQ(ownName(), "before");
+        EXPECT_EQ(hint_external_input::share(), nullptr);
+    });
+}
+
+TEST(ScopedThreadNotifications, PutsASavedContextBack) {
+    onNewThread([] {
+        hint_external_input::set("outer", "context");
+        {
+            const ScopedThreadNotifications scope("during", false, hint_external_input::share());
+            hint_external_input::set("inner", "");
+        }
+        const auto restored = hint_external_input::share();
+        ASSERT_NE(restored, nullptr);
+        EXPECT_EQ(restored->first + "," + restored->second, "outer,context");
+        hint_external_input::clear();
+    });
+}
+
+TEST(ScopedThreadNotifications, KeepsTheOutermostRegisteredScopeAsTheCurrentOne) {
+    using Scope = ScopedThreadNotifications;
+    onNewThread([] {
+        {
+            const Scope unregistered("unregistered", false);
+            EXPECT_EQ(Scope::currentScope(), nullptr);
+            const Scope outer("outer", true);
+            {
+                const Scope inner("inner", true);
+                EXPECT_EQ(Scope::currentScope(), &outer);
+                onNewThread([] { EXPECT_EQ(Scope::currentScope(), nullptr); });
+            }
+            EXPECT_EQ(Scope::currentScope(), &outer);
+        }
+        EXPECT_EQ(Scope::currentScope(), nullptr);
+    });
+}
+
+} // namespace
+} // namespace tarn
