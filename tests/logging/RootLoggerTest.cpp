@@ -1,19 +1,22 @@
 #include "logging/LogCall.h"
 #include "logging/RootLogger.h"
-#include "platform/Identity.h"
 #include "support/ErrorWatch.h"
 #include "support/FatalLogSink.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <charconv>
+#include <map>
 #include <memory>
-#include <sstream>
+#include <thread>
 
 namespace tarn {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::MatchesRegex;
+using ::testing::IsEmpty;
 
 std::shared_ptr<testing::FatalLogSink> sharedSink() {
     // The logger keeps its sinks for ever.
@@ -30,6 +33,8 @@ class RootLoggerTest : public ::testing::Test {
 protected:
     RootLoggerTest() : mLogger(RootLogger::getInstance()), mSink(sharedSink()) {
         mLogger.flush();
+        mLogger.setLogLevel(RootLoggerLevel::Trace);
+        mLogger.flush();
         mSink->take();
     }
 
@@ -37,21 +42,152 @@ protected:
         mLogger.flush();
         return mSink->messages();
     }
+    static void log(const std::string& message,
+                    RootLoggerLevel::Level level = RootLoggerLevel::Info) {
+        RootLogger::log(message, level, 1, "File", "function", "");
+    }
 
     RootLogger& mLogger;
     std::shared_ptr<testing::FatalLogSink> mSink;
 };
 
-TEST_F(RootLoggerTest, WritesALineInItsFormat) {
-    RootLogger::log("text of the message", RootLoggerLevel::Debug, 120, "logging/RootLogger",
-                    "flush", "");
+/// Runs an action on the worker when a certain message comes by.
+class ActingSink : public ILogger {
+public:
+    ActingSink(std::string message, std::function<void()> action)
+        : mMessage(std::move(message)), mAction(std::move(action)) {}
+    void log(const std::string& /*line*/, const LogComponents& components) override {
+        if (components.message == mMessage) {
+            mAction();
+        }
+    }
+    void clearLogs() override {}
+    void close() override {}
+    void flush() override {}
+
+private:
+    std::string mMessage;
+    std::function<void()> mAction;
+};
+
+TEST_F(RootLoggerTest, TakesTheCallsOfTheLogMacro) {
+    TARN_LOG_AT(RootLoggerLevel::Warn, 42, "value: " << 7);
+    TARN_LOG(RootLoggerLevel::Trace, "never" << (ADD_FAILURE(), ""));
     mLogger.flush();
-    std::ostringstream ids;
-    ids << platform::processId() << ":0x" << std::hex << platform::threadId();
-    ASSERT_EQ(mSink->lines().size(), 1U);
-    const std::string line = mSink->lines().front();
-    EXPECT_EQ(line.substr(20),
-              " <Debug> [" + ids.str() + "][]RootLogger:120 flush::text of the message");
+    const auto written = mSink->take();
+    ASSERT_EQ(written.size(), 1U);
+    EXPECT_THAT(written.front().first,
+                ::testing::EndsWith("][]RootLoggerTest:42 TestBody::value: 7"));
+    EXPECT_EQ(written.front().second.level, "Warn");
+}
+
+TEST_F(RootLoggerTest, DropsTraceUnknownAndPrivateByDefault) {
+    for (int level = 0; level <= 7; ++level) {
+        log(std::to_string(level), static_cast<RootLoggerLevel::Level>(level));
+    }
+    testing::expectErrorLine("5");
+    EXPECT_THAT(messages(), ElementsAre("2", "3", "4", "5", "7"));
+}
+
+TEST_F(RootLoggerTest, TellsOfANewLevelBeforeItCounts) {
+    mLogger.setLogLevel(RootLoggerLevel::Unknown);
+    mLogger.setLogLevel(RootLoggerLevel::Warn);
+    log("dropped");
+    log("kept", RootLoggerLevel::Warn);
+    mLogger.setLogLevel(RootLoggerLevel::Error);
+    mLogger.setLogLevel(RootLoggerLevel::Debug);
+    EXPECT_THAT(messages(), ElementsAre("Setting Log level to Warn", "kept"));
+}
+
+TEST_F(RootLoggerTest, MasksBlockedStringsOnceTheyAreLongEnough) {
+    mLogger.blockListString("xy");
+    mLogger.blockListString("passphrase");
+    mLogger.blockListString("passphrase");
+    mLogger.flush(); // the worker logs, too
+    log("xy and passphrase");
+    EXPECT_THAT(messages(),
+                ElementsAre("Attempting to add a string below minimum length to blocklist! "
+                            "Length: 2",
+                            "Adding blocklisted string of length: 10", "xy and ********"));
+    EXPECT_EQ(mLogger.filterStrings("my passphrase is passphrase"), "my ******** is ********");
+}
+
+TEST_F(RootLoggerTest, MasksRecordsThatWaitWhenAStringIsBlocked) {
+    mLogger.registerLogger(std::make_shared<ActingSink>(
+        "block now", [this] { mLogger.blockListString("late secret"); }));
+    log("block now");
+    log("the late secret");
+    EXPECT_THAT(messages(), Contains("the ********"));
+}
+
+TEST_F(RootLoggerTest, FlushesAndFiltersInsideItsOwnWorker) {
+    mLogger.blockListString("inner secret");
+    std::string filtered;
+    int flushes = 0;
+    mLogger.registerLogger(std::make_shared<ActingSink>("act on the worker", [&] {
+        filtered = mLogger.filterStrings("an inner secret");
+        mLogger.flush();
+        flushes = mSink->flushCount();
+    }));
+    mLogger.flush();
+    mSink->take();
+    log("act on the worker");
+    mLogger.flush();
+    EXPECT_EQ(filtered, "an ********");
+    EXPECT_EQ(flushes, 1);
+}
+
+TEST_F(RootLoggerTest, WritesEveryLineOfManyThreadsOnceAndInOrder) {
+    constexpr int kThreads = 16;
+    constexpr int kLines = 2000;
+    mLogger.blockListString("secret of all");
+    std::vector<std::thread> threads;
+    std::atomic<int> running{kThreads};
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int line = 0; line < kLines; ++line) {
+                TARN_LOG(RootLoggerLevel::Info, "T" << thread << " L" << line << " secret of all "
+                                                    << std::string(60, 'x'));
+            }
+            --running;
+        });
+    }
+    for (int round = 0; running > 0; ++round) {
+        mLogger.blockListString("another secret " + std::to_string(round % 50));
+        mLogger.flush();
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::map<int, int> next;
+    for (const std::string& message : messages()) {
+        int thread = -1;
+        if (message.starts_with("T")) {
+            std::from_chars(&message[1], message.data() + message.size(), thread);
+            const std::string expected = "T" + std::to_string(thread) + " L" +
+                                         std::to_string(next[thread]++) + " ******** " +
+                                         std::string(60, 'x');
+            ASSERT_EQ(message, expected);
+        }
+    }
+    EXPECT_EQ(next.size(), static_cast<std::size_t>(kThreads));
+    EXPECT_THAT(next, ::testing::Each(::testing::Pair(::testing::_, kLines)));
+}
+
+TEST_F(RootLoggerTest, LetsTheProcessExitWhileThreadsLog) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto leave = [] {
+        for (int thread = 0; thread < 4; ++thread) {
+            std::thread([] {
+                while (true) {
+                    log("still here");
+                }
+            }).detach();
+        }
+        RootLogger::getInstance().flush();
+        std::exit(0); // NOLINT(concurrency-mt-unsafe)
+    };
+    EXPECT_EXIT(leave(), ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace
