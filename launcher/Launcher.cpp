@@ -3,11 +3,14 @@
 #include "launcher/Options.h"
 #include "launcher/Paths.h"
 #include "launcher/Preflight.h"
+#include "launcher/Say.h"
 #include "launcher/TerminalConversion.h"
 #include "launcher/Texts.h"
+#include "launcher/WindowConversion.h"
 #include "logging/LogCall.h"
 #include "logging/LogLocations.h"
 #include "logging/RootLogger.h"
+#include "platform/Identity.h"
 #include "platform/Interrupt.h"
 #include "platform/Terminal.h"
 #include "recordconverter/WinConverterLog.h"
@@ -19,11 +22,6 @@ namespace launcher {
 namespace {
 
 using tarn::platform::TerminalStream;
-
-ExitStatus refuse(const std::string& sentence) {
-    tarn::platform::writeTerminal(TerminalStream::Error, "record-converter: " + sentence + "\n");
-    return NotStarted;
-}
 
 Job makeJob(const Options& options) {
     Job job;
@@ -37,11 +35,8 @@ Job makeJob(const Options& options) {
     return job;
 }
 
-ExitStatus convert(const Options& options) {
-    const Job job = makeJob(options);
-    if (const Objection objection = checkFiles(job)) {
-        return refuse(*objection);
-    }
+ExitStatus convertOnTerminal(const Job& job) {
+    tarn::platform::catchInterrupts();
     auto converterLog = std::make_shared<recordconverter::WinConverterLog>();
     converterLog->initialize(0, nullptr);
     TARN_LOG(tarn::RootLoggerLevel::Info, "record-converter " RECORD_CONVERTER_VERSION ", engine: "
@@ -57,6 +52,25 @@ ExitStatus convert(const Options& options) {
     converterLog.reset();
     tarn::RootLogger::getInstance().flush();
     return status;
+}
+
+/// The product library logs for itself, so nothing is set up here.
+ExitStatus convertWithWindow(const Job& job, Theme theme) {
+    if (const Objection objection = checkEngine(job.engineFolder)) {
+        return refuse(*objection);
+    }
+    if (const Objection objection = checkWindow(job.engineFolder)) {
+        return refuse(*objection);
+    }
+    return convertInWindow(job, theme, tarn::platform::programFile());
+}
+
+ExitStatus convert(const Options& options) {
+    const Job job = makeJob(options);
+    if (const Objection objection = checkFiles(job)) {
+        return refuse(*objection);
+    }
+    return options.window ? convertWithWindow(job, options.theme) : convertOnTerminal(job);
 }
 
 int obey(const CommandLine& commandLine) {
@@ -77,7 +91,6 @@ int obey(const CommandLine& commandLine) {
 } // namespace
 
 int runLauncher(const std::vector<std::string>& arguments) {
-    tarn::platform::catchInterrupts();
     try {
         return obey(parseCommandLine(
             {arguments.empty() ? arguments.begin() : arguments.begin() + 1, arguments.end()}));

@@ -2,6 +2,7 @@
 
 #include "launcher/EngineComplaint.h"
 #include "launcher/ProgressDisplay.h"
+#include "launcher/Say.h"
 #include "launcher/TerminalSession.h"
 #include "launcher/Texts.h"
 #include "logging/LogCall.h"
@@ -17,7 +18,6 @@ namespace {
 
 using Result = ConversionState::Result;
 using std::chrono::milliseconds;
-using tarn::platform::TerminalStream;
 
 // The desktop client passes the same two numbers; only the engine knows what they mean.
 constexpr std::uint32_t kEngineParam1 = 3;
@@ -27,10 +27,6 @@ constexpr std::uint32_t kEngineParam2 = 4;
 constexpr std::uint32_t kStopPatience = 700;
 constexpr std::uint32_t kWindUpPatience = 5000;
 constexpr milliseconds kRedrawPeriod{100};
-
-void say(const std::string& sentence) {
-    tarn::platform::writeTerminal(TerminalStream::Error, sentence + "\n");
-}
 
 std::uint64_t totalSize(const std::vector<std::string>& sources) {
     std::uint64_t total = 0;

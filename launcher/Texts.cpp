@@ -23,10 +23,11 @@ std::string helpText(std::string_view logFolder) {
 Turns a recording into an ordinary .mp4 file. Several sources are parts of one
 recording, in the given order.
 
-  --no-window            convert in the terminal
+  --no-window            convert in the terminal, without a window
   --theme light|dark     for the window
-  --engine-folder DIR    take the media engine from DIR; default: the folder
-                         "runtime" beside the program's own folder
+  --engine-folder DIR    the runtime folder, which holds the media engine and the
+                         window's library; default: "runtime" beside the
+                         program's own folder
   --delete-sources       delete the sources when the destination is complete;
                          default: keep them
   --help, --version      say this, or the version

@@ -8,17 +8,22 @@
 
 namespace e2e {
 
-Process::Start LauncherFixture::command(const std::vector<std::string>& arguments) const {
+Process::Start LauncherFixture::windowCommand(const std::vector<std::string>& arguments) const {
     const tarn::FileUtils files;
     const std::string own = tarn::platform::programFile();
     const std::string build = files.directoryOfPath(own) + "..";
     const std::string program = files.joinPath(files.joinPath(build, "bin"),
                                                "record-converter" + files.extensionOfPath(own));
-    Process::Start start{.command = {program, "--no-window"},
+    Process::Start start{.command = {program},
                          .environment = {{"XDG_DATA_HOME", mData.path()}},
                          .folder = mFolder.path()};
     start.command.insert(start.command.end(), arguments.begin(), arguments.end());
     return start;
+}
+
+Process::Start LauncherFixture::command(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "--no-window");
+    return windowCommand(arguments);
 }
 
 ProcessResult LauncherFixture::launch(const std::vector<std::string>& arguments) const {

@@ -16,8 +16,10 @@ using tarn::testing::ProcessResult;
 /// Starts the built launcher with a data folder of the test's own, and looks at what it leaves.
 class LauncherFixture : public ::testing::Test {
 protected:
-    /// The launcher's command with `--no-window` and the arguments, not started yet.
-    Process::Start command(const std::vector<std::string>& arguments) const;
+    /// The launcher's command with the arguments, not started yet.
+    Process::Start windowCommand(const std::vector<std::string>& arguments) const;
+    /// The same with `--no-window` before them.
+    Process::Start command(std::vector<std::string> arguments) const;
     ProcessResult launch(const std::vector<std::string>& arguments) const;
     /// The same on a variant of the fake engine, whose script is `source`'s content.
     ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const;

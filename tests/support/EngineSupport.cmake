@@ -25,6 +25,7 @@ endfunction()
 
 record_converter_fake_library(whole mediaconverter FakeEngine.cpp)
 record_converter_fake_library(whole zelclient FakeClient.cpp)
+record_converter_fake_library(whole record-converter FakeProduct.cpp)
 record_converter_fake_library(no-stop mediaconverter FakeEngine.cpp FAKE_NO_STOP)
 if(NOT WIN32)
     target_link_options(fake_no-stop_mediaconverter PRIVATE -Wl,-z,nodelete)

@@ -1,0 +1,93 @@
+// What the launcher hands to the product library, and what is left when that ends the process.
+
+#include "e2e/LauncherFixture.h"
+#include "support/FakeLibraries.h"
+
+#include <gmock/gmock.h>
+
+namespace e2e {
+namespace {
+
+using tarn::testing::fakeEngineFolder;
+using tarn::testing::readFile;
+using tarn::testing::runProcess;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class WindowMode : public LauncherFixture {
+protected:
+    Process::Start start(const std::string& order, std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder("whole")});
+        Process::Start result = windowCommand(arguments);
+        result.environment.emplace_back("FAKE_PRODUCT", order);
+        result.environment.emplace_back("QT_QPA_PLATFORM", "offscreen");
+        return result;
+    }
+
+    std::string mSource = mFolder.write("a b.mkv", "x");
+};
+
+TEST_F(WindowMode, HandsOverTheClientsArgumentsAndLendsASecondNameOfTheSource) {
+    const ProcessResult result =
+        runProcess(start("delete", {"--theme", "dark", mSource, mDestination}));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output,
+                AllOf(HasSubstr("record-converter"),
+                      HasSubstr("1:" + fakeEngineFolder("whole") + "\n2:\n3:" + mFolder.path()),
+                      HasSubstr("4:" + mDestination + "\n5:2\nended\nsource there\n")));
+    EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv"));
+    EXPECT_EQ(readFile(mSource), "x");
+}
+
+TEST_F(WindowMode, HandsOverTheSourcesThemselvesWhenTheyAreToBeDeleted) {
+    const ProcessResult result =
+        runProcess(start("delete", {"--delete-sources", mSource, mDestination}));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("3:" + mSource + "\n4:" + mDestination + "\n5:1\n"));
+    EXPECT_THAT(filesLeft(), ElementsAre());
+}
+
+TEST_F(WindowMode, LeavesNoSecondNamesHoweverItEnds) {
+    const std::vector<std::pair<std::string, int>> cases{
+        {"exit", 0}, {"return 0", 0}, {"return -1", 1}};
+    for (const auto& [order, status] : cases) {
+        SCOPED_TRACE(order);
+        const std::string other = mFolder.write("b.mkv", "y");
+        EXPECT_EQ(runProcess(start(order, {mSource, other, mDestination})).status, status);
+        EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv"));
+    }
+    Process process(start("hold", {mSource, mDestination}));
+    ASSERT_TRUE(process.waitForOutput("source there"));
+    process.interrupt();
+    EXPECT_EQ(process.wait(), 130);
+    EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv"));
+}
+
+TEST_F(WindowMode, RefusesWhatTheWindowCanNotTakeAndNamesTheTerminal) {
+    const std::string odd = mFolder.write("a|b.mkv", "x");
+    EXPECT_EQ(runProcess(start("exit", {odd, mDestination})).status, 0)
+        << "its second name is even";
+    ProcessResult result = runProcess(start("exit", {"--delete-sources", odd, mDestination}));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, AllOf(HasSubstr("a|b.mkv"), HasSubstr("--no-window")));
+
+    Process::Start noWindow = start("exit", {mSource, mDestination});
+    noWindow.command[2] = fakeEngineFolder("no-stop");
+    result = runProcess(noWindow);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, AllOf(HasSubstr("There is no window"), HasSubstr("--no-window")));
+}
+
+TEST_F(WindowMode, ChecksTheFilesAndTheEngineBeforeAWindowAppears) {
+    EXPECT_EQ(runProcess(start("exit", {"gone.mkv", mDestination})).status, 2);
+    Process::Start noEngine = start("exit", {mSource, mDestination});
+    noEngine.command[2] = fakeEngineFolder("no-factory");
+    const ProcessResult result = runProcess(noEngine);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("CreateMediaConverter"));
+    EXPECT_EQ(result.output, "");
+}
+
+} // namespace
+} // namespace e2e
