@@ -19,6 +19,12 @@ public:
                ArchiveExecutor archiveExecutor, bool keepWhileFailed);
     ~FileLogger() override;
 
+    /// Packs files, given as (name in the archive, path), into a time-stamped zip file in the
+    /// destination folder, where the newest five are kept. Copies them at once; the executor zips.
+    /// Failures are Error lines. Any thread; link rc_log_archive.
+    void archiveLogs(const std::shared_ptr<IFileUtils>& fileUtils, const std::string& destination,
+                     const PathPairs& files);
+
     void moveFiles(const std::shared_ptr<IFileUtils>& fileUtils, const PathPairs& pairs) override;
 
 private:

@@ -1,8 +1,7 @@
 #include "logging/FileLoggerFixture.h"
+#include "support/linux/FileSizeLimit.h"
 
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 
 namespace tarn {
 namespace {
@@ -10,20 +9,7 @@ namespace {
 using ::testing::internal::CaptureStderr;
 using ::testing::internal::GetCapturedStderr;
 
-/// No file of the process grows past a size: a write over it is cut short, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &mBefore);
-        const rlimit limit{bytes, mBefore.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &mBefore); }
-
-private:
-    rlimit mBefore{};
-};
+using testing::FileSizeLimit;
 
 class FileLoggerFault : public testing::FileLoggerFixture {};
 

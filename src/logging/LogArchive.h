@@ -1,0 +1,48 @@
+#pragma once
+
+#include "logging/ZipFolder.h"
+#include "utils/IFileUtils.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+
+/// One archive of log files in a destination folder, where the newest five are kept. First
+/// collect(), then write(), perhaps on another thread.
+class LogArchive {
+public:
+    /// (name inside the archive, path of the file).
+    using Files = std::vector<std::pair<std::string, std::string>>;
+
+    static constexpr std::size_t kKeptArchives = 5;
+
+    LogArchive(std::shared_ptr<IFileUtils> fileUtils, std::string destination,
+               std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
+    /// Copies the files into a work folder in the destination. One that cannot be read, or whose
+    /// name is more than a name, is reported and left out; equal names are numbered. Throws
+    /// std::runtime_error, and leaves no work folder, when nothing can be archived.
+    void collect(const Files& files) const;
+
+    /// Zips the work folder, removes it and prunes older archives.
+    ZipResult write() const;
+
+    /// "logArchive_2025-02-19_04-08-25.zip", in UTC, in the destination.
+    const std::string& path() const { return mArchive; }
+
+private:
+    std::size_t copyFiles(const Files& files) const;
+    void clearWorkFolder() const;
+    void prune() const;
+
+    std::shared_ptr<IFileUtils> mFileUtils;
+    std::string mDestination;
+    std::string mWorkFolder;
+    std::string mArchive;
+};
+
+} // namespace tarn

@@ -1,0 +1,142 @@
+#include "logging/ZipWriter.h"
+
+#include "platform/LocalTime.h"
+#include "platform/Text.h"
+
+#include <array>
+#include <limits>
+#include <utility>
+#include <vector>
+#include <zip.h>
+
+namespace tarn {
+namespace {
+
+// Values of the zip format (APPNOTE 6.3): 4.4.2 made by Unix, version 4.5; 4.4.4 bit 11, the name
+// is UTF-8; 4.4.15, on Unix the file's mode in the upper half.
+constexpr uLong kMadeBy = (3U << 8U) | 45U;
+constexpr uLong kUtf8Names = 1U << 11U;
+constexpr uLong kRegularFile = 0100644UL << 16U;
+/// Entries from here on use Zip64: the compressed size may exceed the other a little.
+constexpr std::uint64_t kZip64From = 0xF0000000U;
+constexpr std::size_t kBlock = 262'144;
+
+std::ostream& outputOf(void* opaque) {
+    return *static_cast<std::ostream*>(opaque);
+}
+
+void* openStream(void* opaque, const void* /*name*/, int /*mode*/) {
+    return opaque;
+}
+
+uLong readStream(void* /*opaque*/, void* /*stream*/, void* /*buffer*/, uLong /*size*/) {
+    return 0;
+}
+
+uLong writeStream(void* /*opaque*/, void* stream, const void* buffer, uLong size) {
+    std::ostream& output = outputOf(stream);
+    output.write(static_cast<const char*>(buffer), static_cast<std::streamsize>(size));
+    return output ? size : 0;
+}
+
+ZPOS64_T tellStream(void* /*opaque*/, void* stream) {
+    return static_cast<ZPOS64_T>(outputOf(stream).tellp());
+}
+
+long seekStream(void* /*opaque*/, void* stream, ZPOS64_T offset, int origin) {
+    const auto from = origin == ZLIB_FILEFUNC_SEEK_CUR   ? std::ios::cur
+                      : origin == ZLIB_FILEFUNC_SEEK_END ? std::ios::end
+                                                         : std::ios::beg;
+    return outputOf(stream).seekp(static_cast<std::streamoff>(offset), from) ? 0 : -1;
+}
+
+int closeStream(void* /*opaque*/, void* stream) {
+    return outputOf(stream).flush() ? 0 : -1;
+}
+
+int testStream(void* /*opaque*/, void* stream) {
+    return outputOf(stream) ? 0 : -1;
+}
+
+/// The format's own time is local, in steps of two seconds, and begins with 1980.
+tm_zip zipTime(std::int64_t modified) {
+    const std::tm local = platform::localTime(static_cast<std::time_t>(modified));
+    if (local.tm_year < 80) {
+        return {.tm_sec = 0, .tm_min = 0, .tm_hour = 0, .tm_mday = 1, .tm_mon = 0, .tm_year = 1980};
+    }
+    return {.tm_sec = static_cast<uInt>(local.tm_sec),
+            .tm_min = static_cast<uInt>(local.tm_min),
+            .tm_hour = static_cast<uInt>(local.tm_hour),
+            .tm_mday = static_cast<uInt>(local.tm_mday),
+            .tm_mon = static_cast<uInt>(local.tm_mon),
+            .tm_year = static_cast<uInt>(local.tm_year + 1900)};
+}
+
+/// The "extended timestamp" extra field: the same time to the second, in UTC.
+std::vector<char> exactTime(std::int64_t modified) {
+    if (modified < 0 || modified > std::numeric_limits<std::int32_t>::max()) {
+        return {};
+    }
+    std::vector<char> field{'U', 'T', 5, 0, 1};
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        field.push_back(static_cast<char>((static_cast<std::uint64_t>(modified) >> shift) & 0xFFU));
+    }
+    return field;
+}
+
+} // namespace
+
+ZipWriter::ZipWriter(std::ostream& output) {
+    zlib_filefunc64_def functions{};
+    functions.zopen64_file = openStream;
+    functions.zread_file = readStream;
+    functions.zwrite_file = writeStream;
+    functions.ztell64_file = tellStream;
+    functions.zseek64_file = seekStream;
+    functions.zclose_file = closeStream;
+    functions.zerror_file = testStream;
+    functions.opaque = &output;
+    mZip = zipOpen2_64("", APPEND_STATUS_CREATE, nullptr, &functions);
+}
+
+ZipWriter::~ZipWriter() {
+    close();
+}
+
+bool ZipWriter::add(const std::string& name, std::istream& content, std::uint64_t size,
+                    std::int64_t modified) {
+    zip_fileinfo info{};
+    info.tmz_date = zipTime(modified);
+    info.external_fa = kRegularFile;
+    const auto extra = exactTime(modified);
+    const auto extraSize = static_cast<uInt>(extra.size());
+    // Names that are not UTF-8, which Linux allows, may not be flagged as such.
+    const std::string utf8Name = platform::toUtf8(platform::toWide(name));
+    if (utf8Name.size() > std::numeric_limits<std::uint16_t>::max() ||
+        zipOpenNewFileInZip4_64(mZip, utf8Name.c_str(), &info, extra.data(), extraSize,
+                                extra.data(), extraSize, nullptr, Z_DEFLATED, Z_DEFAULT_COMPRESSION,
+                                0, -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0,
+                                kMadeBy, kUtf8Names, size >= kZip64From ? 1 : 0) != ZIP_OK) {
+        return false;
+    }
+    const bool written = writeContent(content);
+    return zipCloseFileInZip(mZip) == ZIP_OK && written;
+}
+
+bool ZipWriter::writeContent(std::istream& content) {
+    std::vector<char> block(kBlock);
+    while (content) {
+        content.read(block.data(), static_cast<std::streamsize>(block.size()));
+        const auto count = static_cast<unsigned>(content.gcount());
+        if (count > 0 && zipWriteInFileInZip(mZip, block.data(), count) != ZIP_OK) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ZipWriter::close() {
+    return mZip != nullptr && zipClose(std::exchange(mZip, nullptr), nullptr) == ZIP_OK;
+}
+
+} // namespace tarn

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Has three foreign programs read an archive that our own program made.
+# usage: foreign-readers.sh PROGRAM...   (the command that zips "sample" into "sample.zip")
+set -euo pipefail
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+export TZ=UTC
+
+mkdir -p "sample/deep/Ordner – 会議"
+seq 1 200000 >sample/numbers.txt
+head -c 3000000 /dev/urandom >sample/random.bin
+: >sample/empty
+printf 'x' >"sample/deep/Ordner – 会議/Füße 😀.txt"
+touch -d '2001-02-03 04:05:07 UTC' sample/numbers.txt
+touch -d '1975-01-01 00:00:00 UTC' sample/empty
+
+"$@"
+
+unzip -tqq sample.zip
+7z t sample.zip >/dev/null
+mkdir extracted
+(cd extracted && LC_ALL=C.UTF-8 unzip -qq ../sample.zip)
+diff -r sample extracted
+[ "$(stat -c %Y extracted/numbers.txt)" = "$(stat -c %Y sample/numbers.txt)" ]
+
+python3 - <<'PYTHON'
+import os
+import zipfile
+
+with zipfile.ZipFile("sample.zip") as archive:
+    assert archive.testzip() is None
+    names = set(archive.namelist())
+    expected = {
+        os.path.relpath(os.path.join(folder, name), "sample")
+        for folder, _, names in os.walk("sample")
+        for name in names
+    }
+    assert names == expected, names
+    for entry in archive.infolist():
+        assert entry.flag_bits & 0x800, entry
+        assert "\\" not in entry.filename
+        with archive.open(entry) as mine, open("sample/" + entry.filename, "rb") as theirs:
+            assert mine.read() == theirs.read()
+    assert archive.getinfo("numbers.txt").date_time == (2001, 2, 3, 4, 5, 6)
+    assert archive.getinfo("empty").date_time == (1980, 1, 1, 0, 0, 0)
+    assert archive.getinfo("numbers.txt").compress_type == zipfile.ZIP_DEFLATED
+PYTHON
+echo "accepted by unzip, 7z and Python's zipfile"
