@@ -1,5 +1,6 @@
 #include "engine/core/JobRegistry.h"
 
+#include "engine/core/BoundedLock.h"
 #include "engine/core/Trace.h"
 #include "engine/platform/OsPath.h"
 
@@ -7,12 +8,6 @@
 #include <system_error>
 
 namespace zelcore {
-
-namespace {
-
-constexpr auto kSinkCallBound = std::chrono::milliseconds(500);
-
-} // namespace
 
 JobRegistry& JobRegistry::instance() {
     // Leaked: conversions go on while exit() runs the destructors of static objects.
@@ -27,7 +22,7 @@ bool JobRegistry::start(const std::shared_ptr<ConversionJob>& job) {
         return true;
     }();
     static_cast<void>(isPrepared);
-    const std::lock_guard lock(mMutex);
+    std::unique_lock lock(mMutex);
     mRunning.push_back({job, {}});
     try {
         std::thread thread([this, job] { run(job); });
@@ -36,6 +31,7 @@ bool JobRegistry::start(const std::shared_ptr<ConversionJob>& job) {
         return true;
     } catch (const std::system_error& error) {
         mRunning.pop_back();
+        lock.unlock();
         trace(TraceLevel::Error, text("No thread for the conversion: ", error.what()));
         return false;
     }
@@ -54,8 +50,7 @@ bool JobRegistry::isRunning(const ConversionJob* job) {
     return std::ranges::any_of(mRunning, [job](const auto& each) { return each.job.get() == job; });
 }
 
-std::vector<std::shared_ptr<ConversionJob>> JobRegistry::raiseAll() {
-    const std::lock_guard lock(mMutex);
+std::vector<std::shared_ptr<ConversionJob>> JobRegistry::raiseAll() const {
     std::vector<std::shared_ptr<ConversionJob>> jobs;
     for (const Running& each : mRunning) {
         each.job->stop();
@@ -65,8 +60,8 @@ std::vector<std::shared_ptr<ConversionJob>> JobRegistry::raiseAll() {
 }
 
 bool JobRegistry::stopAll(std::chrono::milliseconds timeout) {
-    const auto jobs = raiseAll();
     std::unique_lock lock(mMutex);
+    const auto jobs = raiseAll();
     const bool ended = mEnded.wait_for(lock, timeout, [&] {
         return std::ranges::all_of(mRunning, [&](const Running& each) {
             return each.thread == std::this_thread::get_id() ||
@@ -75,14 +70,20 @@ bool JobRegistry::stopAll(std::chrono::milliseconds timeout) {
     });
     lock.unlock();
     for (const auto& job : jobs) {
-        job->sink().set(nullptr, kSinkCallBound);
+        job->sink().drop();
     }
     return ended;
 }
 
 void JobRegistry::abandonAll() {
-    for (const auto& job : raiseAll()) {
-        job->sink().set(nullptr, kSinkCallBound);
+    auto lock = lockWithin(mMutex, kUnloadBound);
+    if (!lock.owns_lock()) {
+        return;
+    }
+    const auto jobs = raiseAll();
+    lock.unlock();
+    for (const auto& job : jobs) {
+        job->sink().drop();
     }
 }
 

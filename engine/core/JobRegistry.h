@@ -32,7 +32,8 @@ private:
         std::thread::id thread;
     };
     void run(const std::shared_ptr<ConversionJob>& job);
-    std::vector<std::shared_ptr<ConversionJob>> raiseAll();
+    /// Needs the lock.
+    std::vector<std::shared_ptr<ConversionJob>> raiseAll() const;
 
     std::mutex mMutex;
     std::condition_variable mEnded;

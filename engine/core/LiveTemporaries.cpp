@@ -1,9 +1,9 @@
 #include "engine/core/LiveTemporaries.h"
 
+#include "engine/core/BoundedLock.h"
 #include "engine/platform/OsPath.h"
 
 #include <cerrno>
-#include <chrono>
 
 namespace zelcore {
 
@@ -52,8 +52,7 @@ int LiveTemporaries::commit(const std::string& path, const std::string& destinat
 }
 
 void LiveTemporaries::removeAll() {
-    // Windows ends the other threads before this runs; one of them may have held the mutex.
-    const std::unique_lock lock(mMutex, std::chrono::milliseconds(500));
+    const auto lock = lockWithin(mMutex, kUnloadBound);
     mIsEnding = true;
     for (const std::string& path : mPaths) {
         removeFile(path);

@@ -24,7 +24,7 @@ public:
     void removeAll();
 
 private:
-    std::timed_mutex mMutex;
+    std::mutex mMutex;
     std::set<std::string> mPaths;
     bool mIsEnding = false;
 };

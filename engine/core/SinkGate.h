@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/core/BoundedLock.h"
+
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
@@ -19,25 +21,10 @@ public:
     explicit SinkGate(Sink* sink = nullptr) { attach(sink); }
 
     /// Puts another sink, or none, in place and waits for the calls on the former one that other
-    /// threads have under way; a call further up the own stack is not waited for. With `bound`,
-    /// false when such a call is still running after it.
-    bool set(Sink* sink, std::optional<std::chrono::milliseconds> bound = std::nullopt) {
-        std::unique_lock lock(mMutex);
-        const std::shared_ptr<Attachment> former = mCurrent;
-        attach(sink);
-        if (former == nullptr) {
-            return true;
-        }
-        const auto isLeft = [&] {
-            return std::ranges::all_of(former->callers, [own = std::this_thread::get_id()](
-                                                            auto caller) { return caller == own; });
-        };
-        if (bound) {
-            return mLeft.wait_for(lock, *bound, isLeft);
-        }
-        mLeft.wait(lock, isLeft);
-        return true;
-    }
+    /// threads have under way; a call further up the own stack is not waited for.
+    void set(Sink* sink) { set(std::unique_lock(mMutex), sink, std::nullopt); }
+    /// Takes the sink away likewise, but gives up waiting in time, for unload hooks.
+    void drop() { set(lockWithin(mMutex, kUnloadBound), nullptr, kUnloadBound); }
 
     /// Runs `call(sink)` outside the lock. False when there is no sink.
     template <class Call>
@@ -71,6 +58,27 @@ private:
             gate.mLeft.notify_all();
         }
     };
+
+    void set(std::unique_lock<std::mutex> lock, Sink* sink,
+             std::optional<std::chrono::milliseconds> bound) {
+        if (!lock.owns_lock()) {
+            return; // its thread is gone, see lockWithin
+        }
+        const std::shared_ptr<Attachment> former = mCurrent;
+        attach(sink);
+        if (former == nullptr) {
+            return;
+        }
+        const auto isLeft = [&] {
+            return std::ranges::all_of(former->callers, [own = std::this_thread::get_id()](
+                                                            auto caller) { return caller == own; });
+        };
+        if (bound) {
+            mLeft.wait_for(lock, *bound, isLeft);
+        } else {
+            mLeft.wait(lock, isLeft);
+        }
+    }
 
     void attach(Sink* sink) {
         mCurrent = sink == nullptr ? nullptr : std::make_shared<Attachment>(Attachment{sink, {}});

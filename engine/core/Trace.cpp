@@ -71,7 +71,7 @@ void setTraceSink(zel::IZelTraceSink* sink) {
 
 void dropTraceSink() {
     hasTraceSink = false;
-    traceGate().set(nullptr, std::chrono::milliseconds(500));
+    traceGate().drop();
 }
 
 void setTraceMaxLevel(std::int32_t maxLevel) {

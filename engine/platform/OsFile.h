@@ -39,6 +39,9 @@ public:
     /// is closed: removeUnlessInUse leaves such a file alone, whichever process asks.
     static int createNew(const std::string& path, OsFile& file);
 
+    /// Opens whatever is there, only to look at its state.
+    static int openForState(const std::string& path, OsFile& file);
+
     bool isOpen() const { return mHandle != kNone; }
     /// 0 or an errno value; every writer must look at it.
     int close();

@@ -31,15 +31,6 @@ int open(const std::string& path, int flags, std::intptr_t& handle) {
 
 } // namespace
 
-int statePath(const char* path, FileState& state) {
-    struct stat found {};
-    if (::stat(path, &found) != 0) {
-        return errno;
-    }
-    state = toState(found);
-    return 0;
-}
-
 OsFile& OsFile::operator=(OsFile&& other) noexcept {
     if (this != &other) {
         close();
@@ -54,6 +45,15 @@ int OsFile::openForReading(const std::string& path, OsFile& file) {
     if (error == 0) {
         file = OsFile(handle);
         ::posix_fadvise(static_cast<int>(handle), 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    return error;
+}
+
+int OsFile::openForState(const std::string& path, OsFile& file) {
+    Handle handle = kNone;
+    const int error = open(path, O_PATH, handle);
+    if (error == 0) {
+        file = OsFile(handle);
     }
     return error;
 }

@@ -14,10 +14,10 @@
 
 namespace zelcore {
 
-int statePath(const char* path, FileState& state);
-
 int stateOf(const std::string& path, FileState& state) {
-    return statePath(path.c_str(), state);
+    OsFile file;
+    const int error = OsFile::openForState(path, file);
+    return error != 0 ? error : file.state(state);
 }
 
 std::string folderOf(const std::string& path) {
