@@ -1,9 +1,30 @@
 #include "engine/core/CoreApi.h"
 
+#include "engine/core/BoundedLock.h"
 #include "engine/core/Converter.h"
 #include "engine/core/JobRegistry.h"
 #include "engine/core/Trace.h"
 #include "zel/EngineContract.h"
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+/// The instances: the contract has no release, they end with mediaconverter.
+struct Converters {
+    std::mutex mutex;
+    std::vector<std::unique_ptr<zelcore::Converter>> all;
+};
+
+Converters& converters() {
+    // Leaked: what the program still holds at exit() stays valid.
+    static auto& instance = *new Converters();
+    return instance;
+}
+
+} // namespace
 
 extern "C" {
 
@@ -14,8 +35,9 @@ std::int32_t ZelCoreCreateConverter(zel::IZelMediaConverter** instance,
     }
     *instance = nullptr;
     try {
-        // Leaked: the contract has no release, and the program may start it at any time.
-        *instance = new zelcore::Converter(*sink);
+        auto made = std::make_unique<zelcore::Converter>(*sink);
+        const std::lock_guard lock(converters().mutex);
+        *instance = converters().all.emplace_back(std::move(made)).get();
         return zel::kZelSuccess;
     } catch (...) {
         return static_cast<std::int32_t>(zelcore::ErrorCode::OutOfMemory);
@@ -36,6 +58,9 @@ std::int32_t ZelCoreStopConversions(std::uint32_t timeoutMilliseconds) {
 void ZelCoreAbandonConversions() {
     try {
         zelcore::JobRegistry::instance().abandonAll();
+        if (const auto lock = zelcore::lockWithin(converters().mutex, zelcore::kUnloadBound)) {
+            converters().all.clear();
+        }
     } catch (...) { // NOLINT(bugprone-empty-catch): an unload cannot fail
     }
 }
