@@ -32,7 +32,8 @@ function(record_converter_test name)
     if(ARG_ENVIRONMENT)
         list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
     endif()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+        PROPERTIES ${properties})
 endfunction()
 
 # MinGW's runtime is linked in, so that a program or library without Qt needs no DLL of it.
