@@ -163,6 +163,15 @@ std::int64_t DestinationFile::onSeek(void* self, std::int64_t offset, int whence
     return offset;
 }
 
+bool isOutOfSpace(int error) {
+#ifdef EDQUOT // MinGW's C library knows no quota
+    if (error == EDQUOT) {
+        return true;
+    }
+#endif
+    return error == ENOSPC;
+}
+
 void DestinationFile::throwIfFailed() const {
     if (mError != 0) {
         fail(mError, "writing it");
@@ -171,7 +180,7 @@ void DestinationFile::throwIfFailed() const {
 
 void DestinationFile::fail(int error, const char* doing) const {
     ErrorCode code = ErrorCode::WriteFailed;
-    if (error == ENOSPC || error == EDQUOT) {
+    if (isOutOfSpace(error)) {
         code = ErrorCode::DiskFull;
     } else if (error == EACCES || error == EPERM || error == EROFS) {
         code = ErrorCode::DestinationNotWritable;

@@ -15,12 +15,21 @@ std::string temporaryBeside(const std::string& path) {
            std::to_string(GetCurrentThreadId());
 }
 
+bool isReadOnly(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 } // namespace
 
 // CopyFileW alone has emptied an existing target by the time it fails.
 bool copyFileContents(const std::string& from, const std::string& to) {
     const std::wstring source = systemPath(from);
     const std::wstring target = systemPath(to);
+    if (isReadOnly(target)) { // whether a rename replaces such a file depends on the version
+        SetLastError(ERROR_ACCESS_DENIED);
+        return failedByLastError();
+    }
     const std::wstring temporary = systemPath(temporaryBeside(to));
     if (CopyFileW(source.c_str(), temporary.c_str(), FALSE) != 0 &&
         MoveFileExW(temporary.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) != 0) {

@@ -32,6 +32,11 @@ FileDetails detailsFrom(const Information& information) {
             .isFolder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0};
 }
 
+/// The empty folder has no entries: its name and a separator would be the root of the drive.
+std::wstring pathIn(const std::string& folder, const std::string& name) {
+    return folder.empty() ? std::wstring() : systemPath(folder + '\\' + name);
+}
+
 /// Asks for nothing but attributes, which is granted for files that others have open.
 HANDLE openForAttributes(const std::string& path) {
     return CreateFileW(systemPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
@@ -76,8 +81,7 @@ std::optional<FileDetails> fileDetails(const std::string& path) {
 std::optional<std::vector<FolderEntry>> listFolder(const std::string& folder,
                                                    std::string_view pattern) {
     WIN32_FIND_DATAW found{};
-    std::wstring search = systemPath(folder + "\\*");
-    HANDLE handle = FindFirstFileW(search.c_str(), &found);
+    HANDLE handle = FindFirstFileW(pathIn(folder, "*").c_str(), &found);
     if (handle == INVALID_HANDLE_VALUE) {
         failedByLastError();
         return std::nullopt;
@@ -144,9 +148,9 @@ bool isSameFile(const std::string& left, const std::string& right) {
 }
 
 bool isFolderWritable(const std::string& folder) {
-    const std::string probe = folder + "\\.rc-" + std::to_string(GetCurrentProcessId()) + '-' +
-                              std::to_string(GetCurrentThreadId());
-    const Handle file(CreateFileW(systemPath(probe).c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
+    const std::string probe =
+        ".rc-" + std::to_string(GetCurrentProcessId()) + '-' + std::to_string(GetCurrentThreadId());
+    const Handle file(CreateFileW(pathIn(folder, probe).c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
                                   CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE,
                                   nullptr));
     return file || failedByLastError();

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <shlobj.h>
 
@@ -52,8 +53,11 @@ std::string temporaryFolder() {
 
 std::optional<std::string> environmentVariable(const char* name) {
     const std::wstring wideName = toWide(name);
-    std::size_t size = 0; // with the NUL; 0 for a variable that is not set
-    if (_wgetenv_s(&size, nullptr, 0, wideName.c_str()) != 0 || size == 0) {
+    // The size counts the NUL and is 0 for a variable that is not set. Asking for it alone succeeds
+    // on Windows and is ERANGE under Wine.
+    std::size_t size = 0;
+    const int error = _wgetenv_s(&size, nullptr, 0, wideName.c_str());
+    if ((error != 0 && error != ERANGE) || size == 0) {
         return std::nullopt;
     }
     std::wstring value(size, L'\0');

@@ -2,6 +2,9 @@
 
 #include "platform/Utf8.h"
 
+// windows.h first: shlwapi.h does not stand alone.
+#include <windows.h>
+
 #include <shlwapi.h>
 
 namespace tarn::platform {
@@ -54,10 +57,8 @@ std::string toUtf8(std::wstring_view wide) {
 }
 
 bool startsWithIgnoringCase(std::wstring_view text, std::wstring_view prefix) {
-    const std::wstring whole(text);
-    const std::wstring beginning(prefix);
-    return whole.size() >= beginning.size() &&
-           StrCmpNIW(whole.c_str(), beginning.c_str(), static_cast<int>(beginning.size())) == 0;
+    return text.size() >= prefix.size() &&
+           StrCmpNIW(text.data(), prefix.data(), static_cast<int>(prefix.size())) == 0;
 }
 
 } // namespace tarn::platform

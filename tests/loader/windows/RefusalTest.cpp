@@ -1,5 +1,5 @@
-#include "FakePolicySources.h"
 #include "loader/AcceptedSigners.h"
+#include "loader/FakePolicySources.h"
 #include "loader/LibraryLoader.h"
 #include "support/HookedLog.h"
 #include "support/TemporaryFolder.h"

@@ -1,0 +1,72 @@
+#include "platform/Files.h"
+#include "platform/KnownFolders.h"
+#include "platform/Library.h"
+#include "platform/Text.h"
+#include "platform/windows/ProgramFolder.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <bit>
+
+namespace tarn::platform {
+namespace {
+
+using testing::besideProgram;
+
+int answer(LibraryHandle library, const char* name) {
+    const auto function = std::bit_cast<int (*)()>(findSymbol(library, name));
+    return function != nullptr ? function() : -1;
+}
+
+TEST(WindowsLibrary, FindsWhatALibraryNeedsInItsOwnFolder) {
+    LibraryHandle library = loadWithAlteredSearchPath(besideProgram(L"libraries\\plugin.dll"));
+    ASSERT_NE(library, nullptr) << lastError();
+    EXPECT_EQ(answer(library, "pluginAnswer"), 42);
+    EXPECT_EQ(findSymbol(library, "absent"), nullptr);
+    EXPECT_EQ(lastError(), static_cast<std::uint32_t>(ERROR_PROC_NOT_FOUND));
+    EXPECT_TRUE(unload(library));
+    EXPECT_EQ(GetModuleHandleW(L"plugin.dll"), nullptr);
+    EXPECT_EQ(GetModuleHandleW(L"neighbour.dll"), nullptr);
+}
+
+TEST(WindowsLibrary, SystemSearchLooksForDependenciesInTheSystemFolderOnly) {
+    EXPECT_EQ(loadWithSystemSearchPath(besideProgram(L"libraries\\plugin.dll")), nullptr);
+    EXPECT_EQ(lastError(), static_cast<std::uint32_t>(ERROR_MOD_NOT_FOUND));
+    LibraryHandle library =
+        loadWithSystemSearchPath(toWide(systemLibraryFolders().at(0) + "\\version.dll"));
+    ASSERT_NE(library, nullptr) << lastError();
+    EXPECT_NE(findSymbol(library, "GetFileVersionInfoSizeW"), nullptr);
+    EXPECT_TRUE(unload(library));
+}
+
+TEST(WindowsLibrary, LoadsFromLongFoldersBeyondAscii) {
+    const tarn::testing::TemporaryFolder temporary;
+    std::string folder = temporary.path();
+    for (int depth = 0; depth < 3; ++depth) {
+        folder += "\\会議 " + std::string(90, 'x');
+        ASSERT_TRUE(makeFolder(folder));
+    }
+    const std::string file = folder + "\\neighbour.dll";
+    ASSERT_TRUE(copyFileContents(toUtf8(besideProgram(L"libraries\\neighbour.dll")), file));
+    LibraryHandle library = loadWithAlteredSearchPath(toWide(file));
+    ASSERT_NE(library, nullptr) << lastError();
+    EXPECT_EQ(answer(library, "neighbourAnswer"), 41);
+    EXPECT_TRUE(unload(library));
+}
+
+TEST(WindowsLibrary, ReportsWhatCannotBeLoaded) {
+    EXPECT_EQ(loadWithAlteredSearchPath(besideProgram(L"libraries\\absent.dll")), nullptr);
+    EXPECT_EQ(lastError(), static_cast<std::uint32_t>(ERROR_MOD_NOT_FOUND));
+    EXPECT_EQ(loadWithAlteredSearchPath(besideProgram(L"libraries\0.dll")), nullptr);
+    EXPECT_EQ(loadWithAlteredSearchPath(L""), nullptr);
+    EXPECT_EQ(findSymbol(nullptr, "neighbourAnswer"), nullptr);
+    EXPECT_FALSE(unload(nullptr));
+    EXPECT_EQ(libraryFileName("mediaconverter"), "mediaconverter.dll");
+    EXPECT_TRUE(addLibraryFolder(besideProgram(L"libraries")));
+    EXPECT_FALSE(addLibraryFolder(L"relative"));
+}
+
+} // namespace
+} // namespace tarn::platform

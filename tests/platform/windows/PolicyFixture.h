@@ -1,0 +1,50 @@
+#pragma once
+
+#include "loader/InstallLocation.h"
+#include "loader/LibraryLoader.h"
+#include "platform/KnownFolders.h"
+#include "platform/windows/ProgramFolder.h"
+#include "platform/windows/RegistrySandbox.h"
+#include "support/HookedLog.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
+
+#include <gmock/gmock.h>
+
+namespace tarn::loader {
+
+using platform::testing::besideProgram;
+using platform::testing::RegistrySandbox;
+
+inline constexpr const wchar_t* kInstallKey = L"Software\\Quorell Tarn Native";
+inline constexpr const wchar_t* kPolicyKey = L"SOFTWARE\\Policies\\QuorellObrix";
+
+/// An install folder with libraries, named in the registry.
+class PolicyFixture : public ::testing::Test {
+protected:
+    void SetUp() override { install(HKEY_CURRENT_USER, mInstalled.path()); }
+    static void install(HKEY root, const std::string& folder, const wchar_t* key = kInstallKey) {
+        RegistrySandbox::setText(root, key, L"OriginalInstallPath", platform::toWide(folder));
+    }
+    static void demandProtection(DWORD value = 1) {
+        RegistrySandbox::setNumber(HKEY_LOCAL_MACHINE, kPolicyKey,
+                                   L"enableDllSideLoadingProtection", value);
+    }
+    /// Puts a library into a folder under the name under which it is loaded.
+    static void place(const std::wstring& library, const std::string& folder) {
+        ASSERT_TRUE(FileUtils().copyFile(platform::toUtf8(besideProgram(library)),
+                                         folder + "\\neighbour.dll"));
+    }
+    static bool loads(const std::string& folder) {
+        mLog->lines().clear();
+        LibraryHandle library = loadLibrary(L"neighbour.dll", platform::toWide(folder));
+        return library != nullptr && platform::unload(library);
+    }
+
+    const RegistrySandbox mRegistry;
+    const testing::TemporaryFolder mInstalled;
+    const testing::TemporaryFolder mElsewhere;
+    static inline testing::HookedLog* mLog = new testing::HookedLog;
+};
+
+} // namespace tarn::loader

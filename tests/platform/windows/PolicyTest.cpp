@@ -1,0 +1,79 @@
+// The side-loading policy on the real registry, real signatures and real loads, in a program that
+// is not signed itself.
+#include "platform/windows/PolicyFixture.h"
+
+namespace tarn::loader {
+namespace {
+
+using ::testing::ElementsAre;
+using InstallPaths = PolicyFixture;
+using UnsignedProgram = PolicyFixture;
+
+TEST_F(InstallPaths, AreReadInTheOrderOfUserMachineAndTheViews) {
+    const InstallLocation location(machinePolicySources());
+    install(HKEY_CURRENT_USER, "C:\\User");
+    install(HKEY_LOCAL_MACHINE, "C:\\32", L"Software\\WOW6432Node\\Quorell Tarn Native");
+    EXPECT_EQ(location.getInstallPath(true), L"C:\\User");
+    EXPECT_EQ(location.getInstallPath(false), L"C:\\User");
+    RegDeleteTreeW(HKEY_CURRENT_USER, kInstallKey);
+    EXPECT_EQ(location.getInstallPath(true), L"C:\\32");
+    install(HKEY_LOCAL_MACHINE, "C:\\Machine");
+    EXPECT_EQ(location.getInstallPath(true), L"C:\\Machine");
+    install(HKEY_CURRENT_USER, "C:\\User");
+    EXPECT_EQ(location.getInstallPath(true), L"C:\\User");
+    EXPECT_EQ(location.getInstallPath(false), L"C:\\Machine");
+    const std::wstring launcher =
+        platform::toWide(platform::localApplicationDataFolder()) + L"\\QuorellTarnLauncher\\";
+    EXPECT_THAT(location.getInstallFolders(),
+                ::testing::UnorderedElementsAre(L"C:\\Machine", L"C:\\User", launcher));
+    install(HKEY_LOCAL_MACHINE, "C:\\Machine\\..\\Other");
+    install(HKEY_CURRENT_USER, "");
+    EXPECT_THAT(location.getInstallFolders(), ElementsAre(launcher));
+}
+
+TEST_F(UnsignedProgram, LeavesTheProtectionOffWhateverThePolicySays) {
+    demandProtection();
+    const auto& policy = SideLoadingPolicy::ofProcess();
+    EXPECT_FALSE(policy.isSideLoadingProtectionEnabled());
+    place(L"libraries\\neighbour.dll", mInstalled.path());
+    EXPECT_TRUE(loads(mInstalled.path()));
+    // While it is off, the program's own folder counts as an install folder.
+    EXPECT_TRUE(policy.isInInstallFolder(besideProgram(L"any.dll")));
+    EXPECT_FALSE(policy.hasAcceptedSignature(platform::toWide(platform::programFile()), true));
+}
+
+TEST_F(UnsignedProgram, KnowsAcceptedSignaturesAndInstallFolders) {
+    const auto& policy = SideLoadingPolicy::ofProcess();
+    const bool accepted = policy.hasAcceptedSignature(besideProgram(L"signed\\accepted.dll"), true);
+    EXPECT_EQ(accepted,
+              FileUtils().exists(platform::toUtf8(besideProgram(L"signed\\accepted.dll"))));
+    for (const wchar_t* name :
+         {L"capitals.dll", L"other.dll", L"beyond-ascii.dll", L"absent.dll"}) {
+        EXPECT_FALSE(
+            policy.hasAcceptedSignature(besideProgram(std::wstring(L"signed\\") + name), true));
+        EXPECT_FALSE(
+            policy.hasAcceptedSignature(besideProgram(std::wstring(L"signed\\") + name), false));
+    }
+    EXPECT_FALSE(policy.hasAcceptedSignature(L"", true));
+
+    std::wstring upper = platform::toWide(mInstalled.path() + "\\x.dll");
+    CharUpperBuffW(upper.data(), static_cast<DWORD>(upper.size()));
+    EXPECT_TRUE(policy.isInInstallFolder(upper)) << "without regard to case";
+    EXPECT_FALSE(policy.isInInstallFolder(platform::toWide(mElsewhere.path() + "\\x.dll")));
+    EXPECT_FALSE(policy.isInInstallFolder(platform::toWide(mInstalled.path() + "\\..\\x.dll")));
+    EXPECT_FALSE(policy.isInInstallFolder(platform::toWide(mInstalled.path() + "/x.dll")));
+}
+
+TEST_F(UnsignedProgram, FallsBackToTheSystemFolderWithTheseLines) {
+    LibraryHandle library = loadLibrary(L"version.dll", platform::toWide(mElsewhere.path()));
+    ASSERT_NE(library, nullptr);
+    EXPECT_THAT(mLog->lines(), ElementsAre("<Debug> Load version.dll, exists: false, size: -1",
+                                           "<Debug> Loaded version.dll"));
+    platform::unload(library);
+    EXPECT_FALSE(loads(mElsewhere.path()));
+    EXPECT_THAT(mLog->lines(), ElementsAre("<Debug> Load neighbour.dll, exists: false, size: -1",
+                                           "<Error> Failed to load neighbour.dll, errorCode: 126"));
+}
+
+} // namespace
+} // namespace tarn::loader
