@@ -1,5 +1,6 @@
 #include "launcher/Launcher.h"
 
+#include "launcher/ArchiveLogs.h"
 #include "launcher/Options.h"
 #include "launcher/Paths.h"
 #include "launcher/Preflight.h"
@@ -84,6 +85,9 @@ int obey(const CommandLine& commandLine) {
     }
     if (const auto* error = std::get_if<UsageError>(&commandLine)) {
         return refuse(error->sentence + " See record-converter --help.");
+    }
+    if (const auto* archive = std::get_if<ArchiveWanted>(&commandLine)) {
+        return archiveLogs(absolutePath(archive->destination));
     }
     return convert(std::get<Options>(commandLine));
 }

@@ -45,7 +45,9 @@ private:
         if (name == "--theme") {
             takeTheme();
         } else if (name == "--engine-folder") {
-            takeEngineFolder();
+            takeFolder(name, mOptions.engineFolder);
+        } else if (name == "--archive-logs") {
+            takeFolder(name, mArchiveDestination);
         } else if (mInlineValue) {
             mError = "The option " + inQuotes(argument) + " is unknown.";
         } else if (name == "--no-window") {
@@ -77,16 +79,22 @@ private:
         }
     }
 
-    void takeEngineFolder() {
+    void takeFolder(const std::string& option, std::string& folder) {
         const std::optional<std::string> value = takeValue();
         if (!value || value->empty() || !tarn::platform::isValidUtf8(*value)) {
-            mError = "The option --engine-folder takes the path of a folder.";
+            mError = "The option " + option + " takes the path of a folder.";
         } else {
-            mOptions.engineFolder = *value;
+            folder = *value;
         }
     }
 
     CommandLine finish() {
+        if (!mError && !mArchiveDestination.empty()) {
+            if (mPaths.empty()) {
+                return ArchiveWanted{mArchiveDestination};
+            }
+            mError = "The option --archive-logs converts nothing: give no recording with it.";
+        }
         if (!mError && mPaths.size() < 2) {
             mError = mPaths.empty() ? "No recording and no destination are given."
                                     : "No destination is given after " + inQuotes(mPaths[0]) + ".";
@@ -109,6 +117,7 @@ private:
     std::optional<std::string> mInlineValue;
     std::optional<std::string> mError;
     std::vector<std::string> mPaths;
+    std::string mArchiveDestination;
     Options mOptions;
 };
 

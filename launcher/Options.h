@@ -18,6 +18,11 @@ struct Options {
     bool deleteSources = false;
 };
 
+/// Pack the log files into a zip file in this folder.
+struct ArchiveWanted {
+    std::string destination;
+};
+
 struct HelpWanted {};
 struct VersionWanted {};
 /// A sentence that says what is wrong with the command line.
@@ -25,7 +30,7 @@ struct UsageError {
     std::string sentence;
 };
 
-using CommandLine = std::variant<Options, HelpWanted, VersionWanted, UsageError>;
+using CommandLine = std::variant<Options, ArchiveWanted, HelpWanted, VersionWanted, UsageError>;
 
 /// Reads the arguments that follow the program's name. "--" ends the options; "-" is no option.
 CommandLine parseCommandLine(const std::vector<std::string>& arguments);

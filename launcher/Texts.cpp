@@ -19,6 +19,7 @@ std::string inQuotes(std::string_view text) {
 std::string helpText(std::string_view logFolder) {
     std::string text =
         R"(usage: record-converter [options] SOURCE... DESTINATION
+       record-converter --archive-logs DIR
 
 Turns a recording into an ordinary .mp4 file. Several sources are parts of one
 recording, in the given order.
@@ -30,12 +31,14 @@ recording, in the given order.
                          program's own folder
   --delete-sources       delete the sources when the destination is complete;
                          default: keep them
+  --archive-logs DIR     pack the logs of this and the previous run into a zip file
+                         in that folder, where the newest five are kept
   --help, --version      say this, or the version
   --                     end of the options
 
 Ctrl-C stops a conversion, removes what was written so far and keeps the sources.
 
-exit status: 0 converted; 1 the conversion failed; 2 nothing was started, because
+exit status: 0 converted or archived; 1 that failed; 2 nothing was started, because
 of what is said on standard error; 130 stopped
 
 log: )";

@@ -20,13 +20,13 @@ void blockListWhenKnown(const std::optional<std::string>& text) {
 
 } // namespace
 
-void setUpLogging() {
+void setUpLogging(PreviousRun previousRun) {
     const std::string folder = toolLogFolder();
     const auto fileUtils = std::make_shared<FileUtils>();
     fileUtils->mkdirIfNotExistsRecursive(folder);
     const auto fileLogger =
         std::make_shared<FileLogger>(folder, kLogFileSize, fileUtils, nullptr, true);
-    fileLogger->start(true);
+    fileLogger->start(previousRun == PreviousRun::PutAside);
     RootLogger& logger = RootLogger::getInstance();
     logger.init(fileLogger, nullptr, folder);
     logger.setLogLevel(RootLoggerLevel::Unknown); // no effect; part of the common set-up
