@@ -96,28 +96,25 @@ void MediaConverterController::createConverter(const std::shared_ptr<ConverterLo
 
 void MediaConverterController::connectExitTimer() {
     // Emitted on the engine's threads, so both run later, here on the GUI thread.
-    const std::weak_ptr<MediaConverterController> self = weak_from_this();
-    const auto start = [self] {
-        TARN_LOG_AT(Info, 81, "start exit timer");
-        if (const auto controller = self.lock()) {
-            controller->startExitTimer();
-        }
-    };
+    const auto start = [self = weak_from_this()] { startExitTimer(self); };
     connect(this, &MediaConverterController::convertFinished, this, start);
     connect(this, &MediaConverterController::convertError, this, start);
     connect(
-        &exitTimer, &QTimer::timeout, this,
-        [this] {
-            TARN_LOG_AT(Info, 94, "exit timer timeout");
-            endProcess();
-        },
-        Qt::DirectConnection);
+        &exitTimer, &QTimer::timeout, this, [this] { onExitTimer(); }, Qt::DirectConnection);
 }
 
-void MediaConverterController::startExitTimer() {
-    const std::lock_guard lock(mExitTimerMutex);
-    exitTimer.setInterval(kTimeToRead);
-    exitTimer.start();
+void MediaConverterController::startExitTimer(const std::weak_ptr<MediaConverterController>& self) {
+    TARN_LOG_AT(Info, 81, "start exit timer");
+    if (const auto controller = self.lock()) {
+        const std::lock_guard lock(controller->mExitTimerMutex);
+        controller->exitTimer.setInterval(kTimeToRead);
+        controller->exitTimer.start();
+    }
+}
+
+void MediaConverterController::onExitTimer() {
+    TARN_LOG_AT(Info, 94, "exit timer timeout");
+    endProcess();
 }
 
 void MediaConverterController::startConversion() {

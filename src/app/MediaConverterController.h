@@ -81,7 +81,8 @@ private:
     void parseTheme(const std::string& argument);
     void createConverter(const std::shared_ptr<ConverterLog>& log);
     void connectExitTimer();
-    void startExitTimer();
+    static void startExitTimer(const std::weak_ptr<MediaConverterController>& self);
+    void onExitTimer();
     void failConversion(std::int32_t code, const std::string& destination);
     void quieten();
     [[noreturn]] void endProcess();
