@@ -4,6 +4,7 @@
 #include "app/LocalizationStrings.h"
 #include "app/QtMessageHandler.h"
 #include "app/RunApplication.h"
+#include "logging/RootLogger.h"
 #include "recordconverter/WinConverterLog.h"
 
 int TarnEntryPoint(int argc, wchar_t** argv) {
@@ -14,5 +15,7 @@ int TarnEntryPoint(int argc, wchar_t** argv) {
     const int result = app::runApplication(context, argc, argv);
     context.converterLog.reset();
     context.localizationStrings.reset();
+    // Letting go of the engine's libraries was logged, too.
+    tarn::RootLogger::getInstance().flush();
     return result;
 }

@@ -26,7 +26,8 @@ ApplicationWindow {
     readonly property int hiddenY: 400
     readonly property int shownY: 200
 
-    readonly property bool isDark: mediaConverterController.isDark
+    // The controller goes before the window does.
+    readonly property bool isDark: mediaConverterController?.isDark ?? false
     readonly property color buttonBoardColor: isDark ? Qt.rgba(255, 255, 255, 0.5)
                                                      : Qt.rgba(0, 0, 0, 0.5)
     readonly property color buttonBackgroundColor: isDark ? Qt.rgba(0, 0, 0, 1)
@@ -147,7 +148,7 @@ ApplicationWindow {
         id: viewStart
 
         objectName: "viewStart"
-        message: mediaConverterController.convertingStartedText
+        message: mediaConverterController?.convertingStartedText ?? ""
         onDismissed: visible = false
 
         ViewIcon {
@@ -169,7 +170,7 @@ ApplicationWindow {
         id: viewFinish
 
         objectName: "viewFinish"
-        message: mediaConverterController.convertingFinishedText
+        message: mediaConverterController?.convertingFinishedText ?? ""
         onDismissed: {
             visible = false
             mediaConverterController.close()
@@ -204,7 +205,7 @@ ApplicationWindow {
         id: viewError
 
         objectName: "viewError"
-        message: mediaConverterController.convertingErrorText
+        message: mediaConverterController?.convertingErrorText ?? ""
         onDismissed: {
             visible = false
             mediaConverterController.close()
