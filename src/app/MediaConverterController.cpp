@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace recordconverter::app {
 namespace {
@@ -44,6 +45,11 @@ MediaConverterController::MediaConverterController() = default;
 
 MediaConverterController::~MediaConverterController() {
     quieten();
+    if (!mIsEngineStopped && mStarted) {
+        // An engine that can not be told to stop may report at any time, an ended one included: the
+        // session that it reports to and its library stay until the process ends.
+        static_cast<void>(converter.release());
+    }
 }
 
 void MediaConverterController::initialize(const std::vector<std::string>& arguments,
@@ -182,9 +188,12 @@ void MediaConverterController::close() {
 }
 
 void MediaConverterController::quieten() {
+    if (std::exchange(mIsQuiet, true)) {
+        return;
+    }
     mGate.close(kGatePatience);
     if (auto* const bound = dynamic_cast<WinMediaConverter*>(converter.get())) {
-        bound->stopConversions(kStopMilliseconds);
+        mIsEngineStopped = bound->stopConversions(kStopMilliseconds);
     }
 }
 

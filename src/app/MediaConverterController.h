@@ -84,6 +84,7 @@ private:
     static void startExitTimer(const std::weak_ptr<MediaConverterController>& self);
     void onExitTimer();
     void failConversion(std::int32_t code, const std::string& destination);
+    /// Keeps the engine out of Qt from here on, and stops it where it can be stopped.
     void quieten();
     [[noreturn]] void endProcess();
 
@@ -103,6 +104,8 @@ private:
     /// thread runs both in one call.
     std::recursive_mutex mExitTimerMutex;
     std::atomic<bool> mStarted = false;
+    bool mIsQuiet = false;
+    bool mIsEngineStopped = false;
 };
 
 } // namespace recordconverter::app
