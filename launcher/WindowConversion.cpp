@@ -4,6 +4,7 @@
 #include "launcher/SourceListEncoder.h"
 #include "launcher/SourceStaging.h"
 #include "launcher/Texts.h"
+#include "launcher/Translations.h"
 #include "loader/LibraryLoader.h"
 #include "platform/Display.h"
 #include "platform/Interrupt.h"
@@ -112,6 +113,7 @@ ExitStatus convertInWindow(const Job& job, Theme theme, const std::string& progr
     if (const auto* error = std::get_if<NotExpressible>(&list)) {
         return refuse(error->sentence);
     }
+    placeTranslations(job.engineFolder);
     endOnInterrupt(job.engineFolder);
     const int result = callEntryPoint({program, job.engineFolder, "", std::get<std::string>(list),
                                        job.destination, theme == Theme::Dark ? "2" : "1"});
