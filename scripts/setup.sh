@@ -12,11 +12,11 @@ packages_build=(
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
     qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml
     qml6-module-qtqml-models qml6-module-qtqml-workerscript
-    libgl1-mesa-dri xvfb xauth x11-utils imagemagick ffmpeg
+    libgl1-mesa-dri xvfb xauth x11-utils xdotool imagemagick ffmpeg
 )
 packages_test=(
     libgtest-dev libgmock-dev googletest
-    unzip p7zip-full python3 xdotool procps
+    unzip p7zip-full python3 procps
     clang clang-format clang-tidy cppcheck shellcheck
 )
 packages_windows=(
