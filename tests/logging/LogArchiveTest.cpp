@@ -195,15 +195,6 @@ TEST_F(LogArchiveTest, NamesEntriesByTheirPathWithForwardSlashes) {
     EXPECT_THAT(entriesOf(ascii + "/with.zip"), ElementsAre("root/a – ä.txt", "root/b/c.txt"));
 }
 
-TEST_F(LogArchiveTest, TakesTenThousandFiles) {
-    const std::string root = folder.makeFolder("many");
-    for (int number = 0; number < 10'000; ++number) {
-        folder.write("many/" + std::to_string(number), "x");
-    }
-    EXPECT_TRUE(zipFolder(root, ascii + "/many.zip", true).succeeded());
-    EXPECT_EQ(entriesOf(ascii + "/many.zip").size(), 10'000U);
-}
-
 TEST_F(LogArchiveTest, DoesNotNeedTheLoggerWhenTheJobRuns) {
     FileLogger::Job kept;
     auto own = std::make_shared<FileLogger>(

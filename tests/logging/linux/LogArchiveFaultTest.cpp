@@ -51,5 +51,19 @@ TEST_F(LogArchiveFault, ReportsAFileThatCannotBeReadAndTakesTheRest) {
     EXPECT_THAT(log.lines(), Contains("<Debug> Finished writing zip file, added 1 files."));
 }
 
+// Not under Wine, where each file costs milliseconds.
+TEST_F(LogArchiveFault, TakesTenThousandFiles) {
+    const std::string destination = folder.makeFolder("destination");
+    LogArchive::Files list;
+    for (int number = 0; number < 10'000; ++number) {
+        const std::string name = std::to_string(number);
+        list.emplace_back(name, folder.write("Logs/" + name, "x"));
+    }
+    const LogArchive archive(files, destination);
+    archive.collect(list);
+    EXPECT_TRUE(archive.write().succeeded());
+    EXPECT_THAT(log.lines(), Contains("<Debug> Finished writing zip file, added 10000 files."));
+}
+
 } // namespace
 } // namespace tarn
