@@ -29,6 +29,8 @@ void setUpLogging(PreviousRun previousRun) {
     fileLogger->start(previousRun == PreviousRun::PutAside);
     RootLogger& logger = RootLogger::getInstance();
     logger.init(fileLogger, nullptr, folder);
+    // The worker registers the sink; lines logged before that are dropped, the next one among them.
+    logger.flush();
     logger.setLogLevel(RootLoggerLevel::Unknown); // no effect; part of the common set-up
     logger.setLogLevel(RootLoggerLevel::Debug);
 }
