@@ -37,14 +37,15 @@ ProcessResult LauncherFixture::launchFake(const std::string& variant,
     return launch(arguments);
 }
 
+std::string LauncherFixture::logFolder() const {
+    const std::string help = launch({"--help"}).output;
+    const std::size_t begin = help.rfind("log: ") + 5;
+    return help.substr(begin, help.find_first_of("\r\n", begin) - begin);
+}
+
 std::vector<std::string> LauncherFixture::logLines() const {
     const tarn::FileUtils files;
-    for (const std::string& file : files.getFilesRecursive(mData.path())) {
-        if (files.fileNameOfPath(file) == "current_log.txt") {
-            return files.readAllLines(file);
-        }
-    }
-    return {};
+    return files.readAllLines(files.joinPath(logFolder(), "current_log.txt"));
 }
 
 int LauncherFixture::logged(const std::string& text) const {

@@ -24,6 +24,8 @@ protected:
     /// The same on a variant of the fake engine, whose script is `source`'s content.
     ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const;
 
+    /// Where the launcher says that its log is. Linux: of the test's own. Windows: the user's.
+    std::string logFolder() const;
     /// The log of the last run that wrote one.
     std::vector<std::string> logLines() const;
     /// How many lines of the log hold the text.

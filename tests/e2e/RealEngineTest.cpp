@@ -8,7 +8,8 @@
 
 #include <gmock/gmock.h>
 
-#include <regex>
+#include <array>
+#include <cstdio>
 
 namespace e2e {
 namespace {
@@ -25,6 +26,28 @@ protected:
         return mFolder / name;
     }
 };
+
+/// time <Level> [process:thread][name]File:line function:tag:message
+bool hasLogForm(const std::string& line) {
+    std::array<int, 6> time{};
+    std::array<char, 16> level{};
+    unsigned int process = 0;
+    unsigned int thread = 0;
+    std::array<char, 64> file{};
+    int number = -1;
+    int end = 0;
+    std::string unnamed = line;
+    if (const std::size_t name = unnamed.find("]["); name != std::string::npos) {
+        unnamed.erase(name + 2, unnamed.find(']', name + 2) - name - 2);
+    }
+    return std::sscanf(unnamed.c_str(),
+                       "%4d-%2d-%2dT%2d:%2d:%2dZ <%15[A-Za-z]> [%u:0x%x][]%63[^: ]:%d %n", &time[0],
+                       &time[1], &time[2], &time[3], &time[4], &time[5], level.data(), &process,
+                       &thread, file.data(), &number, &end) == 11 &&
+           unnamed.find(':', unnamed.find(':', static_cast<std::size_t>(end)) + 1) !=
+               std::string::npos &&
+           (level.data() == std::string("Debug") || level.data() == std::string("Info"));
+}
 
 TEST_F(RealEngine, TurnsARecordingIntoAPlayableFileAndKeepsIt) {
     const std::string source = recording("m\xC3\xBC\xC3\xBC\xE4\xBC\x9A 10:30 | a.mkv", 3);
@@ -86,10 +109,8 @@ TEST_F(RealEngine, LogsTheRunFromStartToEndWithPersonalNamesMasked) {
     ASSERT_EQ(launch({source, mDestination}).status, 0);
 
     const std::vector<std::string> lines = logLines();
-    const std::regex format(
-        R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ <(Debug|Info)> \[\d+:0x[0-9a-f]+\]\[.*\]\w+:\d+ .*:.*:.*)");
     for (const std::string& line : lines) {
-        EXPECT_TRUE(std::regex_match(line, format)) << line;
+        EXPECT_TRUE(hasLogForm(line)) << line;
     }
     for (const std::string& name :
          {user, tarn::platform::computerName().value_or(""), tarn::platform::profileFolder()}) {
@@ -118,7 +139,7 @@ TEST_F(RealEngine, EachRunKeepsTheLogOfTheOneBefore) {
     ASSERT_EQ(launch({source, mDestination}).status, 0);
     EXPECT_EQ(logged("The conversion ends"), 1);
     int previous = 0;
-    for (const std::string& file : tarn::FileUtils().getFilesRecursive(mData.path())) {
+    for (const std::string& file : tarn::FileUtils().getFiles(logFolder())) {
         previous += tarn::FileUtils().fileNameOfPath(file).starts_with("last_run_") ? 1 : 0;
     }
     EXPECT_EQ(previous, 1);
