@@ -3,7 +3,8 @@
 # Usage: scripts/test.sh [STAGE...]
 #   dev      Linux build, all tests            asan     address and undefined-behaviour sanitizers
 #   tsan     thread sanitizer, without Qt      windows  MinGW-w64 build, tests under Wine
-#   linux    dev, asan and tsan                (none)   all of them
+#   lint     static checks                     linux    dev, asan and tsan
+#   (none)   all of them
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,6 +33,12 @@ run_preset() {
     ctest --preset "$preset" --no-tests=error
 }
 
+run_lint() {
+    echo
+    echo "== lint"
+    scripts/lint.sh
+}
+
 for stage in "${stages[@]}"; do
     case "$stage" in
         linux)
@@ -39,6 +46,7 @@ for stage in "${stages[@]}"; do
             run_preset asan
             run_preset tsan
             ;;
+        lint) run_lint ;;
         dev | asan | tsan) run_preset "$stage" ;;
         windows)
             scripts/setup.sh windows
@@ -46,7 +54,7 @@ for stage in "${stages[@]}"; do
             run_preset windows "-DRECORD_CONVERTER_WINDOWS_PREFIX=$prefix"
             ;;
         *)
-            echo "test.sh: no stage named '$stage' (dev, asan, tsan, linux, windows)" >&2
+            echo "test.sh: no stage named '$stage' (lint, dev, asan, tsan, linux, windows)" >&2
             exit 2
             ;;
     esac

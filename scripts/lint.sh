@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Static checks: clang-format, shellcheck, qmllint, cppcheck and clang-tidy, cheapest first.
+# Usage: scripts/lint.sh [format|shell|qml|cppcheck|tidy]...     (none: all of them)
+# Works on the dev preset, which it configures and builds (headers are generated there). What passed
+# is remembered under build/dev, so that an unchanged file costs nothing.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=build/dev
+checks=("$@")
+[ ${#checks[@]} -gt 0 ] || checks=(format shell qml cppcheck tidy)
+failed=()
+
+sources() { git ls-files --cached --others --exclude-standard -- "$@"; }
+
+lint_format() {
+    sources '*.h' '*.cpp' | xargs -r clang-format --dry-run --Werror
+}
+
+lint_shell() {
+    { sources '*.sh'; echo .ci/run; } | xargs shellcheck --severity=style --external-sources
+}
+
+lint_qml() {
+    local files qmllint
+    mapfile -t files < <(sources '*.qml')
+    [ ${#files[@]} -gt 0 ] || return 0
+    qmllint=$(command -v qmllint6 || echo /usr/lib/qt6/bin/qmllint)
+    "$qmllint" --max-warnings 0 -I src/app/qml "${files[@]}"
+}
+
+# System headers are not read: what cppcheck needs of the standard library it brings itself.
+lint_cppcheck() {
+    mkdir -p "$build/cppcheck"
+    cppcheck --project="$build/compile_commands.json" --cppcheck-build-dir="$build/cppcheck" \
+        -j "$(nproc)" --quiet --error-exitcode=1 --inline-suppr --std=c++20 \
+        --enable=warning,portability --library=googletest \
+        --suppress='*:*/build/*' --suppress='*:/usr/*' --suppress=missingIncludeSystem \
+        --template='{file}:{line}: {severity}: {message} [{id}]'
+}
+
+lint_tidy() {
+    scripts/tidy.py "$build" src engine launcher tests fuzz
+}
+
+build_dev() {
+    mkdir -p build
+    cmake --preset dev >build/configure-lint.log 2>&1 || {
+        cat build/configure-lint.log
+        return 1
+    }
+    cmake --build --preset dev
+}
+
+case " ${checks[*]} " in *" cppcheck "* | *" tidy "*) build_dev ;; esac
+for check in "${checks[@]}"; do
+    case "$check" in
+        format | shell | qml | cppcheck | tidy) ;;
+        *)
+            echo "lint.sh: no check named '$check' (format, shell, qml, cppcheck, tidy)" >&2
+            exit 2
+            ;;
+    esac
+    started=$SECONDS
+    if "lint_$check"; then
+        echo "lint: $check passed ($((SECONDS - started)) s)"
+    else
+        echo "lint: $check FAILED"
+        failed+=("$check")
+    fi
+done
+[ ${#failed[@]} -eq 0 ] || {
+    echo "lint.sh: failed: ${failed[*]}" >&2
+    exit 1
+}
