@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <span>
 
@@ -34,7 +35,7 @@ AVFrame& PictureFitter::fit(AVFrame& picture) {
                                   static_cast<double>(mHeight) / picture.height);
     // Even sizes and corners, because each chroma sample covers two by two.
     const auto evenPart = [scale](int from, int limit) {
-        return std::clamp(static_cast<int>(from * scale / 2 + 0.5) * 2, 2, limit);
+        return std::clamp(static_cast<int>(std::lround(from * scale / 2)) * 2, 2, limit);
     };
     const int width = evenPart(picture.width, mWidth);
     const int height = evenPart(picture.height, mHeight);

@@ -49,8 +49,7 @@ std::vector<std::wstring> InstallLocation::getInstallFolders() const {
     };
     std::erase_if(folders, [](const std::wstring& folder) { return !isAbsoluteDrivePath(folder); });
     std::ranges::sort(folders);
-    const auto duplicates = std::ranges::unique(folders);
-    folders.erase(duplicates.begin(), duplicates.end());
+    folders.erase(std::unique(folders.begin(), folders.end()), folders.end());
     return folders;
 }
 

@@ -142,7 +142,7 @@ std::string FileUtils::getUniqueDownloadPath(const std::string& folder,
                                              const std::string& fileName) const {
     TARN_FILE_UTILS_SCOPE("getUniqueDownloadPath");
     const auto [stem, extension] = fileNames::splitExtension(fileNames::sanitize(fileName));
-    const std::string unnumbered = folder + stem + extension;
+    std::string unnumbered = folder + stem + extension;
     std::string candidate = unnumbered;
     int error = 0;
     for (int number = 1; exists(candidate, error); ++number) {

@@ -17,7 +17,7 @@
 namespace zelcore::testing {
 
 /// What a conversion reported, in order.
-class RecordingSink : public zel::IZelMediaConverterSink {
+class RecordingSink final : public zel::IZelMediaConverterSink {
 public:
     void OnProgress(float percent) override;
     void OnError(std::int32_t code) override;
@@ -41,7 +41,7 @@ private:
     std::vector<std::int32_t> mErrors;
 };
 
-class RecordingTraceSink : public zel::IZelTraceSink {
+class RecordingTraceSink final : public zel::IZelTraceSink {
 public:
     std::int32_t OnTrace(std::uint32_t level, const char* text) override;
     std::vector<std::pair<std::uint32_t, std::string>> lines() const;

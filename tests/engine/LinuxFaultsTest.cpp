@@ -117,20 +117,20 @@ TEST_F(LinuxFaults, ASourceThatShrinksOrGrowsMeanwhileIsAnErrorAndARemovedOneIsR
         {20008, [&] { ASSERT_EQ(::truncate(source.c_str(), 9'000'000), 0); }},
         {0, [&] { ASSERT_EQ(::unlink(source.c_str()), 0); }},
     };
-    for (const auto& [code, change] : cases) {
+    for (const auto& each : cases) {
         folder.write("source.webm", readFile(recording("long.webm")));
         RecordingSink sink;
         std::atomic<bool> isChanged{false};
         sink.onProgress = [&](float percent) {
             if (percent > 1 && !isChanged.exchange(true)) {
-                change();
+                each.change();
             }
         };
         ASSERT_EQ(start(*engine.create(sink), {source}, destination()), 0);
         ASSERT_TRUE(sink.waitForEnd());
         ASSERT_EQ(engine.stopConversions(60'000), 0);
-        if (code != 0) {
-            EXPECT_THAT(sink.errors(), ::testing::ElementsAre(code));
+        if (each.code != 0) {
+            EXPECT_THAT(sink.errors(), ::testing::ElementsAre(each.code));
             EXPECT_NE(::access(destination().c_str(), F_OK), 0);
         } else {
             EXPECT_THAT(sink.errors(), IsEmpty());

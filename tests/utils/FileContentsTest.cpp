@@ -18,7 +18,7 @@ protected:
         return files.readLastLine(folder.write("file", content));
     }
 
-    const FileUtils files;
+    const FileUtils files{};
     const testing::TemporaryFolder folder;
 };
 

@@ -56,7 +56,7 @@ TEST(FileNames, RemovesIdentifiersFromAVeryLongName) {
 }
 
 TEST(FileNames, SplitsPathsAtEitherSeparator) {
-    const FileUtils files;
+    const FileUtils files{};
     EXPECT_EQ(files.directoryOfPath("C:/x\\y/z.mp4"), "C:/x\\y/");
     EXPECT_EQ(files.fileNameOfPath("C:/x\\y/z.mp4"), "z.mp4");
     EXPECT_EQ(files.directoryOfPath("C:/x/y\\z.mp4"), "C:/x/y\\");

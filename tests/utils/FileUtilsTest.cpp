@@ -39,7 +39,7 @@ protected:
             std::filesystem::file_time_type::clock::now() + std::chrono::seconds(seconds));
     }
 
-    const FileUtils files;
+    const FileUtils files{};
     const TemporaryFolder folder;
 };
 
