@@ -111,7 +111,11 @@ void SourceFile::throwIfUnsound() const {
 std::size_t SourceFile::peek(std::uint64_t position, void* buffer, std::size_t size) const {
     int error = 0;
     const std::int64_t got = mFile.readAt(position, buffer, size, error);
-    return got < 0 ? 0 : static_cast<std::size_t>(got);
+    if (got < 0) {
+        refuse(ErrorCode::SourceReadFailed, mPath,
+               text("could not be read: ", systemErrorText(error)).c_str());
+    }
+    return static_cast<std::size_t>(got);
 }
 
 } // namespace zelcore

@@ -24,7 +24,8 @@ public:
 
     /// Throws when a read failed or the file changed since it was opened.
     void throwIfUnsound() const;
-    /// For looking at a header without FFmpeg: the bytes there are, up to `size`.
+    /// For looking at a header without FFmpeg: the bytes there are, up to `size`. Throws
+    /// when they cannot be read.
     std::size_t peek(std::uint64_t position, void* buffer, std::size_t size) const;
 
 private:
