@@ -53,6 +53,8 @@ public:
     ExitStatus run() {
         mSession->addObserver(mState);
         mSession->loadEngine();
+        // Should the engine take the process with it, the log says what it was at.
+        tarn::RootLogger::getInstance().flush();
         mSession->startConvert(mJob.sources, mJob.destination, kEngineParam1, kEngineParam2);
         if (!mState->started()) {
             return finish(failed("The engine did not start the conversion"), kWindUpPatience);
