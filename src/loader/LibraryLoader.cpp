@@ -2,6 +2,7 @@
 
 #include "loader/PathRules.h"
 #include "logging/LogCall.h"
+#include "platform/Files.h"
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
 #include "utils/FileUtils.h"
@@ -33,6 +34,14 @@ void logFound(const std::string& name, const std::wstring& path) {
              "Load " << name << ", exists: " << (exists ? "true" : "false") << ", size: " << size);
 }
 
+void warnOfOpenFolder(const std::wstring& folder) {
+    const std::string path = platform::toUtf8(folder);
+    if (platform::canOthersWrite(path)) {
+        TARN_LOG(RootLoggerLevel::Warn,
+                 "Libraries in '" << path << "' can be changed by other users");
+    }
+}
+
 LibraryHandle load(const std::wstring& fileName, const std::wstring& folder,
                    const SideLoadingPolicy& policy) {
     const std::string name = platform::toUtf8(fileName);
@@ -44,6 +53,7 @@ LibraryHandle load(const std::wstring& fileName, const std::wstring& folder,
                                                            << platform::toUtf8(folder)
                                                            << "': not an absolute folder");
     } else if (LibraryHandle library = safeLoadLibrary(path, policy)) {
+        warnOfOpenFolder(folder);
         TARN_LOG(RootLoggerLevel::Debug, "Loaded " << name << " with altered paths");
         return library;
     }

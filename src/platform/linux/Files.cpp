@@ -99,6 +99,12 @@ bool isFolderWritable(const std::string& folder) {
         errno = ENOENT;
         return false;
     }
+    // Without a name nothing can be left over; not every file system has that.
+    if (const int nameless = open(probe.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+        nameless >= 0) {
+        close(nameless);
+        return true;
+    }
     probe += "/.rc-XXXXXX";
     const int file = mkostemp(probe.data(), O_CLOEXEC);
     if (file < 0) {
@@ -106,6 +112,15 @@ bool isFolderWritable(const std::string& folder) {
     }
     close(file);
     return unlink(probe.c_str()) == 0;
+}
+
+bool canOthersWrite(const std::string& folder) {
+    struct stat status {};
+    if (stat(systemPath(folder), &status) != 0) {
+        return false;
+    }
+    const bool isForeign = status.st_uid != 0 && status.st_uid != geteuid();
+    return isForeign || (status.st_mode & S_IWOTH) != 0;
 }
 
 std::filesystem::path nativePath(const std::string& path) {

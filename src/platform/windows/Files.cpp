@@ -156,6 +156,10 @@ bool isFolderWritable(const std::string& folder) {
     return file || failedByLastError();
 }
 
+bool canOthersWrite(const std::string& /*folder*/) {
+    return false;
+}
+
 std::filesystem::path nativePath(const std::string& path) {
     return systemPath(path);
 }
