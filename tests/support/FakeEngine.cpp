@@ -7,6 +7,7 @@
 //   error N       OnError(N)
 //   destroy       the sink's destructor entry
 //   write TEXT    writes the destination
+//   crash         ends the process from the engine's thread
 //   hold          waits until a stop is asked for, and goes on even then
 //
 // What was called is recorded for FakeEngineCalls.
@@ -101,6 +102,8 @@ void run(Sink* sink, const Command& command, const std::string& destination) {
         sink->table->destructorEntry(sink, 0);
     } else if (command.name == "write") {
         std::ofstream(utf8Path(destination)) << command.argument;
+    } else if (command.name == "crash") {
+        std::abort();
     } else if (command.name == "hold") {
         std::unique_lock lock(state().mutex);
         state().changed.wait(lock, [] { return state().stopping; });

@@ -1,0 +1,71 @@
+// A process that is killed, at every call that changes a file and at any moment between.
+
+#include "faults/FaultFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+#include <thread>
+
+namespace e2e {
+namespace {
+
+using std::chrono::microseconds;
+
+constexpr int kKilled = 128 + 9;
+
+class Kill : public FaultFixture {
+protected:
+    /// What is left over is enough for another run to end the job.
+    void expectTheNextRunToEndTheJob() {
+        const bool isConverted = isDestinationWhole();
+        const ProcessResult result = convert();
+        if (!exists(mSource) && isConverted) {
+            EXPECT_THAT(result.status, ::testing::AnyOf(0, 2)) << result.errors;
+        } else {
+            EXPECT_EQ(result.status, 0) << result.errors;
+        }
+        EXPECT_FALSE(exists(mSource));
+        EXPECT_TRUE(isDestinationWhole());
+        expectTidy();
+    }
+};
+
+TEST_F(Kill, BeforeAnyCallLosesNothingAndTheNextRunEndsTheJob) {
+    for (const std::string point :
+         {"open .part 1", "write .part 1", "write .part 2", "write .part 6", "fsync .part 1",
+          "close .part 1", "read .part 1", "read .part 2", "rename .part 1", "unlink meeting.mkv 1",
+          "write current_log.txt 2"}) {
+        SCOPED_TRACE(point);
+        startAgain();
+        EXPECT_EQ(convert(point + " 0 kill").status, kKilled);
+        expectNothingLost();
+        EXPECT_TRUE(isSourceWhole()) << "nothing was deleted before the kill";
+        expectTheNextRunToEndTheJob();
+    }
+}
+
+TEST_F(Kill, AtFiftyRandomMomentsLosesNothingAndTheNextRunEndsTheJob) {
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_EQ(convert().status, 0);
+    const auto whole =
+        std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+    std::mt19937 random(std::random_device{}()); // NOLINT: every run looks at other moments
+    std::uniform_int_distribution<std::int64_t> moment(0, whole.count());
+    int killed = 0;
+    for (int round = 0; round < FAULTS_KILLS; ++round) {
+        startAgain();
+        const microseconds delay(moment(random));
+        SCOPED_TRACE("after " + std::to_string(delay.count()) + " us");
+        Process process(faulty({}, {"--delete-sources", mSource, mDestination}));
+        std::this_thread::sleep_for(delay); // not a wait for something: the moment is the test
+        process.kill();
+        killed += process.wait() == kKilled ? 1 : 0;
+        expectNothingLost();
+        expectTheNextRunToEndTheJob();
+    }
+    EXPECT_GT(killed, FAULTS_KILLS / 4) << "too few runs were still at work";
+}
+
+} // namespace
+} // namespace e2e
