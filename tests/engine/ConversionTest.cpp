@@ -72,6 +72,10 @@ class TranscodedRecording : public EngineTest, public ::testing::WithParamInterf
 
 TEST_P(TranscodedRecording, BecomesH264AndAacOfTheSameLength) {
     const Transcoded& expected = GetParam();
+    if (!canDecode(recording(expected.name))) {
+        expectRefusal(20011, {recording(expected.name)}, destination()); // FFmpeg built without it
+        return;
+    }
     const auto source = probe(recording(expected.name));
     ASSERT_NO_FATAL_FAILURE(convert({recording(expected.name)}, destination()));
     const auto made = probe(destination());

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 
 namespace zelcore::testing {
 
@@ -81,8 +82,15 @@ void RecordingTraceSink::clear() {
 
 namespace {
 
+/// The build's path as the system that runs the tests has it: a Linux one means another under Wine.
+std::string absolute(const std::string& path) {
+    return platform::toUtf8(
+        std::filesystem::absolute(platform::toWide(path)).make_preferred().wstring());
+}
+
 platform::LibraryHandle load(const std::string& name) {
-    const std::string path = std::string(RUNTIME_FOLDER) + '/' + platform::libraryFileName(name);
+    const std::string path =
+        absolute(std::string(RUNTIME_FOLDER) + '/' + platform::libraryFileName(name));
     platform::LibraryHandle library = platform::loadWithAlteredSearchPath(platform::toWide(path));
     EXPECT_NE(library, nullptr) << path << ": " << platform::lastError();
     return library;
@@ -127,7 +135,7 @@ zel::IZelMediaConverter* LoadedEngine::create(zel::IZelMediaConverterSink& sink)
 }
 
 std::string recording(const std::string& name) {
-    return std::string(RECORDINGS_FOLDER) + '/' + name;
+    return absolute(std::string(RECORDINGS_FOLDER) + '/' + name);
 }
 
 EngineTest::EngineTest() {

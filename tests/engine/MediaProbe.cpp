@@ -80,4 +80,17 @@ std::vector<ProbedTrack> probe(const std::string& path) {
     return tracks;
 }
 
+bool canDecode(const std::string& path) {
+    AVFormatContext* format = nullptr;
+    if (avformat_open_input(&format, path.c_str(), nullptr, nullptr) < 0) {
+        return false;
+    }
+    const bool result = std::ranges::all_of(
+        std::span(format->streams, format->nb_streams), [](const AVStream* stream) {
+            return avcodec_find_decoder(stream->codecpar->codec_id) != nullptr;
+        });
+    avformat_close_input(&format);
+    return result;
+}
+
 } // namespace zelcore::testing

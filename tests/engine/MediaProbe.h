@@ -24,4 +24,7 @@ struct ProbedTrack {
 /// Empty when it cannot be opened.
 std::vector<ProbedTrack> probe(const std::string& path);
 
+/// True when this system's libavcodec has a decoder for every stream of a file.
+bool canDecode(const std::string& path);
+
 } // namespace zelcore::testing

@@ -17,6 +17,8 @@ TEST_F(Refusal, NamesWhatIsWrongWithASource) {
     const std::string mp4 = readFile(recording("h264-aac.mp4"));
     const std::string wav = readFile(recording("pcm.wav"));
     const auto half = [](const std::string& whole) { return whole.substr(0, whole.size() / 2); };
+    std::string unknown = readFile(recording("vp9-opus.webm"));
+    unknown.replace(unknown.find("V_VP9"), 5, "V_QQ9");
     const std::string playlist = "#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXTINF:2,\n" +
                                  recording("h264-aac.ts") + "\n#EXT-X-ENDLIST\n";
     const struct {
@@ -36,6 +38,7 @@ TEST_F(Refusal, NamesWhatIsWrongWithASource) {
         {20006, folder.write("half.mp4", half(mp4))},
         {20006, folder.write("half.wav", half(wav))},
         {20010, recording("subtitles-alone.mkv")},
+        {20011, folder.write("unknown.webm", unknown)},
     };
     for (const auto& [code, path] : cases) {
         const bool isFile = code != 20002 && code != 20001;
