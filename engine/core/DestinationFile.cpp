@@ -13,9 +13,10 @@ namespace zelcore {
 namespace {
 
 constexpr int kBufferSize = 1024 * 1024;
-// The disk starts early and never has more than two such windows to catch up with: a sync at the
-// end, or a stop, waits for little.
-constexpr std::uint64_t kWriteBackWindow = 16 * 1024 * 1024;
+// The disk starts early, in such steps, and never lags further behind than the limit: the sync at
+// the end waits for little, and memory does not fill up with what is still to be written.
+constexpr std::uint64_t kWriteBackStep = 8 * 1024 * 1024;
+constexpr std::uint64_t kMostUnwritten = 64 * 1024 * 1024;
 constexpr const char* kTemporarySuffix = ".part";
 
 /// ".name." with the name cut, between two characters, so that numbers and suffix still fit into
@@ -47,6 +48,8 @@ DestinationFile::DestinationFile(std::string destination, const std::vector<std:
         LiveTemporaries::instance().remove(mTemporary);
         throw std::bad_alloc();
     }
+    // Else each packet is written by a call of its own.
+    mIo->min_packet_size = kBufferSize;
 }
 
 DestinationFile::~DestinationFile() {
@@ -131,12 +134,12 @@ int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept 
 }
 
 void DestinationFile::pushOutWritten() {
-    while (mSize - mPushedOut >= kWriteBackWindow) {
-        mFile.startWriteBack(mPushedOut, kWriteBackWindow);
-        if (mPushedOut >= 2 * kWriteBackWindow) {
-            mFile.awaitWriteBack(mPushedOut - 2 * kWriteBackWindow, kWriteBackWindow);
+    while (mSize - mPushedOut >= kWriteBackStep) {
+        mFile.startWriteBack(mPushedOut, kWriteBackStep);
+        if (mPushedOut >= kMostUnwritten) {
+            mFile.awaitWriteBack(mPushedOut - kMostUnwritten, kWriteBackStep);
         }
-        mPushedOut += kWriteBackWindow;
+        mPushedOut += kWriteBackStep;
     }
 }
 
