@@ -47,7 +47,8 @@ void prepareQtEnvironment(const std::vector<std::string>& arguments) {
         qunsetenv(name);
     }
     qputenv("QT_LOGGING_RULES", "*.info=true;");
-    // The process ends by exit() with the window open: no thread of Qt's may be drawing then.
+    // The process ends by exit() with the window open: no thread of Qt's may be drawing then. Also,
+    // the threaded loop counts frames instead of time where the display has no refresh to wait for.
     qputenv("QSG_RENDER_LOOP", "basic");
     if (arguments.size() > kRuntimeFolder) {
         useRuntimeFolder(arguments);

@@ -1,6 +1,7 @@
 #include "app/Toast.h"
 
 #include <QAccessible>
+#include <QImageReader>
 #include <QScreen>
 #include <gtest/gtest.h>
 
@@ -63,7 +64,7 @@ QAccessibleInterface* accessible(QQuickItem* item) {
 /// Darkest and brightest grey in an item's inner half, where the icon is and its circle is not.
 std::pair<int, int> greys(const Toast& toast, const QQuickItem* item) {
     const QImage image = toast.grab();
-    const double scale = image.devicePixelRatio();
+    const double scale = toast.window->effectiveDevicePixelRatio();
     const QRectF area = Toast::inWindow(item);
     const QRectF inner =
         area.adjusted(area.width() / 4, area.height() / 4, -area.width() / 4, -area.height() / 4);
@@ -317,6 +318,41 @@ TEST(Window, ShowsTheLastEndAloneWhenTheEngineReportsTwo) {
     EXPECT_EQ(toast.visibleViews(), QStringList("viewFinish"));
     toast.show("viewError");
     EXPECT_EQ(toast.visibleViews(), QStringList("viewError"));
+}
+
+TEST(Window, IconsAreDrawnSharpAtTheScaleOfTheScreen) {
+    Toast toast(QLocale("en_US"), true);
+    toast.showAndSettle("viewFinish");
+    const QImage screen = toast.grab();
+    const double scale = toast.window->effectiveDevicePixelRatio();
+    ASSERT_EQ(scale, qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
+                         ? qEnvironmentVariable("QT_SCALE_FACTOR").toDouble()
+                         : 1);
+    for (QQuickItem* const button : toast.row("viewFinish")) {
+        const QString svg = button->property("iconButtonSvg").toString();
+        if (svg.isEmpty()) {
+            continue;
+        }
+        // The outline in the pixels of the screen, white on black, is what its alpha is.
+        QImageReader reader(":/" + svg);
+        reader.setScaledSize((QSizeF(15, 15) * scale).toSize());
+        const QImage expected = reader.read();
+        const QPointF middle = Toast::inWindow(button).center() * scale;
+        double best = 255;
+        for (int shift = 0; shift < 9; ++shift) {
+            const QPoint corner = QPoint(int(middle.x() - expected.width() / 2.0) + shift % 3 - 1,
+                                         int(middle.y() - expected.height() / 2.0) + shift / 3 - 1);
+            double difference = 0;
+            for (int y = 0; y < expected.height(); ++y) {
+                for (int x = 0; x < expected.width(); ++x) {
+                    difference += std::abs(qAlpha(expected.pixel(x, y)) -
+                                           qGray(screen.pixel(corner + QPoint(x, y))));
+                }
+            }
+            best = std::min(best, difference / (expected.width() * expected.height()));
+        }
+        EXPECT_LT(best, 6) << svg.toStdString() << " at scale " << scale;
+    }
 }
 
 TEST(Window, TextsFollowTheController) {

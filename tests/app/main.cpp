@@ -6,7 +6,7 @@
 int main(int argc, char** argv) {
     for (const auto& [name, value] :
          {std::pair{"QT_QPA_PLATFORM", "offscreen"}, std::pair{"QT_QUICK_BACKEND", "software"},
-          std::pair{"QT_QUICK_CONTROLS_STYLE", "Basic"}}) {
+          std::pair{"QT_QUICK_CONTROLS_STYLE", "Basic"}, std::pair{"QSG_RENDER_LOOP", "basic"}}) {
         if (!qEnvironmentVariableIsSet(name)) {
             qputenv(name, value);
         }

@@ -39,12 +39,17 @@ Control {
 
         required property var control
 
+        // Centred on whole pixels of the screen whatever the control's padding: sharp.
+        function centred(start: real, space: real, size: real): real {
+            const scale = Screen.devicePixelRatio
+            return Math.round((start + (space - size) / 2) * scale) / scale - start
+        }
+
         Image {
             id: image
 
-            // Centred on whole pixels of the control whatever its padding, so that it is sharp.
-            x: Math.round(glyph.x + (glyph.width - width) / 2) - glyph.x
-            y: Math.round(glyph.y + (glyph.height - height) / 2) - glyph.y
+            x: glyph.centred(glyph.x, glyph.width, width)
+            y: glyph.centred(glyph.y, glyph.height, height)
             // The overlay needs the whole URL: elsewhere a relative one means another file.
             source: glyph.control.iconButtonSvg === "" ? ""
                                                        : Qt.resolvedUrl(glyph.control.iconButtonSvg)

@@ -17,8 +17,10 @@ Button {
     implicitHeight: buttonSize
     width: buttonSize
     height: buttonSize
+    // qmllint disable
     background: Icon.Disc { control: button }
     contentItem: Icon.Glyph { control: button }
+    // qmllint enable
 
     // Space presses a button by itself.
     Keys.onReturnPressed: clicked()
