@@ -13,6 +13,8 @@ namespace {
 constexpr std::int64_t kBitsPerChannel = 80'000;
 // Smaller deviations are the rounding of containers that count in milliseconds.
 constexpr int kToleratedPartOfSecond = 10;
+// Beyond a day it is a damaged time, whose silence would fill the disk.
+constexpr std::int64_t kLongestGapInSeconds = 24 * 3600;
 constexpr int kSilencePiece = 8192;
 
 int bestRate(const AVCodec& codec, int wanted) {
@@ -96,8 +98,8 @@ void AudioTranscoder::take(const AVFrame& sound) {
     const AVRational samples = mEncoder.codec().time_base;
     if (sound.best_effort_timestamp != kNoTime) {
         // The resampler's own delay lies between the queue's end and this frame.
-        bridgeTo(av_rescale_q(toTicks(sound.best_effort_timestamp, mTimeBase) + mOffset, kTicks,
-                              samples) -
+        bridgeTo(av_rescale_q(addTimes(toTicks(sound.best_effort_timestamp, mTimeBase), mOffset),
+                              kTicks, samples) -
                  swr_get_delay(mResampler.get(), samples.den));
     } else if (mQueueEnd == kNoTime) {
         mQueueEnd = 0;
@@ -141,11 +143,14 @@ void AudioTranscoder::bridgeTo(std::int64_t time) {
         return;
     }
     const int rate = mEncoder.codec().sample_rate;
-    std::int64_t gap = time - mQueueEnd;
+    std::int64_t gap = addTimes(time, -mQueueEnd);
     if (std::abs(gap) <= rate / kToleratedPartOfSecond) {
         return;
     }
     trace(TraceLevel::Debug, text("Sound jumps by ", static_cast<double>(gap) / rate, " s"));
+    if (gap / rate > kLongestGapInSeconds) {
+        throw Failure(ErrorCode::SourceDamaged, text("Sound jumps by ", gap / rate, " s"));
+    }
     if (gap < 0) {
         mToSkip = static_cast<int>(std::min<std::int64_t>(-gap, INT32_MAX));
         return;

@@ -5,6 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/audio_fifo.h>
 #include <libavutil/channel_layout.h>
+#include <libavutil/common.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
@@ -88,6 +89,10 @@ using Ticks = std::int64_t;
 
 inline Ticks toTicks(std::int64_t time, AVRational base) {
     return av_rescale_q(time, base, kTicks);
+}
+/// Times come from files, and a file may say anything: a sum beyond the range stays at its end.
+inline std::int64_t addTimes(std::int64_t left, std::int64_t right) {
+    return av_sat_add64(left, right);
 }
 inline double toSeconds(Ticks ticks) {
     return static_cast<double>(ticks) * av_q2d(kTicks);

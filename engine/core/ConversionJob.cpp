@@ -5,6 +5,8 @@
 #include "engine/core/Trace.h"
 #include "engine/core/Verifier.h"
 
+#include <algorithm>
+
 namespace zelcore {
 
 namespace {
@@ -74,6 +76,10 @@ void ConversionJob::convert() {
         PartJoiner(sources, plans, tracks, mStop, progress).run();
         muxer.finish();
         written = muxer.written();
+        if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
+            throw Failure(ErrorCode::NothingToConvert,
+                          "The sources hold neither sound nor picture");
+        }
     }
     destination.closeDurably();
     mStop.throwIfRaised();

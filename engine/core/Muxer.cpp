@@ -65,7 +65,7 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
             trace(TraceLevel::Trace,
                   text("Track ", track, ": decoding time ", packet.dts, " moved behind ", last));
         }
-        packet.dts = last + 1;
+        packet.dts = addTimes(last, 1);
         packet.pts = std::max(packet.pts, packet.dts);
     }
     mLastDts[track] = packet.dts;
@@ -79,7 +79,7 @@ void Muxer::account(std::size_t track, const AVPacket& packet) {
     const Ticks begin = toTicks(packet.dts, base);
     written.packets++;
     written.begin = written.begin == kNoTime ? begin : written.begin;
-    written.end = toTicks(packet.dts + packet.duration, base);
+    written.end = toTicks(addTimes(packet.dts, packet.duration), base);
 }
 
 void Muxer::finish() {

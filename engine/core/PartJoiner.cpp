@@ -36,7 +36,7 @@ void PartJoiner::runPart(std::size_t part) {
     // A first part may begin a little before zero, which is how encoders' start-up samples are
     // kept out of hearing; a later one must not reach back into the part before it.
     const Ticks start = source.start();
-    const Ticks offset = part == 0 ? -std::max<Ticks>(start, 0) : mEnd - start;
+    const Ticks offset = part == 0 ? -std::max<Ticks>(start, 0) : addTimes(mEnd, -start);
     std::vector<std::optional<std::size_t>> trackOf(source.streamCount());
     for (std::size_t track = 0; track < mPlans.size(); ++track) {
         if (const auto stream = mPlans[track].streamOfPart[part]) {
@@ -48,7 +48,12 @@ void PartJoiner::runPart(std::size_t part) {
     const PacketPtr packet = makePacket();
     while (source.read(*packet)) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
-        if (index < trackOf.size() && trackOf[index]) {
+        if (index >= trackOf.size()) {
+            trackOf.resize(source.streamCount()); // a stream that nothing announced
+        }
+        if (!trackOf[index]) {
+            source.throwIfNeeded(index);
+        } else {
             end = std::max(end, endOf(*packet, source.stream(index), offset));
             noteProgress(*packet, source, end);
             mTracks[*trackOf[index]]->accept(*packet);
@@ -76,7 +81,8 @@ Ticks PartJoiner::endOf(const AVPacket& packet, const AVStream& stream, Ticks of
     if (duration <= 0 && stream.avg_frame_rate.num > 0) {
         duration = av_rescale_q(1, av_inv_q(stream.avg_frame_rate), stream.time_base);
     }
-    return toTicks(time + std::max<std::int64_t>(duration, 0), stream.time_base) + offset;
+    return addTimes(toTicks(addTimes(time, std::max<std::int64_t>(duration, 0)), stream.time_base),
+                    offset);
 }
 
 void PartJoiner::noteProgress(const AVPacket& packet, const Source& source, Ticks end) {

@@ -22,6 +22,11 @@ int refuseToOpen(AVFormatContext* /*format*/, AVIOContext** /*io*/, const char* 
     return AVERROR(EACCES);
 }
 
+bool isPicture(const AVStream& stream) {
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+}
+
 int isStopRaised(void* stop) {
     return static_cast<const StopFlag*>(stop)->isRaised() ? 1 : 0;
 }
@@ -64,9 +69,20 @@ Source::Source(const std::string& path, const StopFlag& stop)
 }
 
 bool Source::isWanted(const AVStream& stream) const {
-    const AVMediaType type = stream.codecpar->codec_type;
-    return type == AVMEDIA_TYPE_AUDIO ||
-           (type == AVMEDIA_TYPE_VIDEO && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0);
+    const AVCodecParameters& parameters = *stream.codecpar;
+    if (parameters.codec_type == AVMEDIA_TYPE_AUDIO) {
+        return parameters.sample_rate > 0 && parameters.ch_layout.nb_channels > 0;
+    }
+    return isPicture(stream) && parameters.width > 0 && parameters.height > 0;
+}
+
+void Source::throwIfNeeded(std::size_t index) const {
+    const AVStream& stream = *mDemuxer->streams[index];
+    if (isPicture(stream) || stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+        throw Failure(ErrorCode::SourceDamaged, text("Stream ", index, " of \"", path(),
+                                                     "\" begins so late that it was not "
+                                                     "recognised"));
+    }
 }
 
 void Source::discardUnwanted() {
@@ -74,7 +90,9 @@ void Source::discardUnwanted() {
         if (isWanted(*each)) {
             continue;
         }
-        each->discard = AVDISCARD_ALL;
+        if (!isPicture(*each) && each->codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
+            each->discard = AVDISCARD_ALL;
+        }
         const char* kind = av_get_media_type_string(each->codecpar->codec_type);
         trace(TraceLevel::Warning, text("Stream ", each->index, " of \"", path(),
                                         "\" is left out: ", kind == nullptr ? "unknown" : kind,

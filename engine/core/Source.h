@@ -19,10 +19,15 @@ public:
     const AVFormatContext& format() const { return *mDemuxer; }
     const AVStream& stream(std::size_t index) const { return *mDemuxer->streams[index]; }
     std::size_t streamCount() const { return mDemuxer->nb_streams; }
-    /// Audio and video; cover pictures, subtitles and data are not for the destination.
+    /// Audio and video whose parameters are known; cover pictures, subtitles and data are not for
+    /// the destination.
     bool isWanted(const AVStream& stream) const;
     /// Tells the demuxer to leave out the streams that are not wanted, with a trace line for each.
     void discardUnwanted();
+
+    /// Throws when a packet of this stream must not be missing from the destination: it is audio or
+    /// video that could not be understood, and was taken for empty, when the source was opened.
+    void throwIfNeeded(std::size_t index) const;
 
     /// When its first wanted stream begins; 0 when nothing says.
     Ticks start() const;

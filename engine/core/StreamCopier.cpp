@@ -51,10 +51,10 @@ void StreamCopier::accept(AVPacket& packet) {
         mAwaitsKeyFrame = false;
     }
     if (packet.pts != kNoTime) {
-        packet.pts += mOffset;
+        packet.pts = addTimes(packet.pts, mOffset);
     }
     if (packet.dts != kNoTime) {
-        packet.dts += mOffset;
+        packet.dts = addTimes(packet.dts, mOffset);
     }
     if (packet.dts == kNoTime && mHeld.size() < kMostHeld && !mKnowsDecodingTime) {
         mHeld.push_back(makePacket());
@@ -77,7 +77,7 @@ void StreamCopier::endPart() {
 void StreamCopier::writeHeld(std::int64_t next) {
     for (auto held = mHeld.rbegin(); next != kNoTime && held != mHeld.rend(); ++held) {
         AVPacket& packet = **held;
-        next -= std::max<std::int64_t>(packet.duration, 1);
+        next = addTimes(next, -std::max<std::int64_t>(packet.duration, 1));
         next = packet.pts == kNoTime ? next : std::min(next, packet.pts);
         packet.dts = next;
     }

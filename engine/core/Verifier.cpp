@@ -3,7 +3,9 @@
 #include "engine/core/SourceFile.h"
 #include "engine/core/Trace.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace zelcore {
 
@@ -53,7 +55,7 @@ void compare(AVStream& stream, const WrittenTrack& track, std::uint64_t size) {
                           text("The finished file's packet ", i, " lies outside of it"));
         }
     }
-    const double wanted = track.packets == 0 ? 0 : toSeconds(track.end - track.begin);
+    const double wanted = toSeconds(track.end - track.begin);
     const double duration = stream.duration == kNoTime
                                 ? 0
                                 : static_cast<double>(stream.duration) * av_q2d(stream.time_base);
@@ -71,9 +73,13 @@ void verify(const std::string& path, std::uint64_t size, const std::vector<Writt
     const SourceFile file(path, stop);
     expect("a size of", size, file.state().size);
     const DemuxerPtr demuxer = open(file);
-    expect("tracks", written.size(), static_cast<std::size_t>(demuxer->nb_streams));
-    for (std::size_t i = 0; i < written.size(); ++i) {
-        compare(*demuxer->streams[i], written[i], size);
+    // A track that got no packet, as of a microphone that was muted all along, is not in the file.
+    std::vector<WrittenTrack> expected;
+    std::ranges::copy_if(written, std::back_inserter(expected),
+                         [](const WrittenTrack& track) { return track.packets > 0; });
+    expect("tracks", expected.size(), static_cast<std::size_t>(demuxer->nb_streams));
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        compare(*demuxer->streams[i], expected[i], size);
     }
     file.throwIfUnsound();
 }

@@ -105,7 +105,7 @@ void VideoTranscoder::encode(AVFrame& picture) {
     if (time == kNoTime) {
         time = mLastTime == kNoTime ? 0 : mLastTime + 1;
     } else {
-        time = av_rescale_q(toTicks(time, mTimeBase) + mOffset, kTicks, base);
+        time = av_rescale_q(addTimes(toTicks(time, mTimeBase), mOffset), kTicks, base);
     }
     if (mLastTime != kNoTime && time <= mLastTime) {
         trace(TraceLevel::Debug, "A picture that is not later than the one before is left out");

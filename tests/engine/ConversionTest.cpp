@@ -162,6 +162,14 @@ TEST_F(Conversion, FillsAGapInTheSoundWithSilence) {
     EXPECT_NEAR(static_cast<double>(sound(made).decoded) / 48000, 3, 0.1);
 }
 
+TEST_F(Conversion, LeavesATrackOutThatNeverGetsAPacket) {
+    ASSERT_NO_FATAL_FAILURE(convert({recording("muted.mkv")}, destination()));
+    EXPECT_THAT(probe(destination()), SizeIs(1));
+    ASSERT_NO_FATAL_FAILURE(
+        convert({recording("muted.mkv"), recording("h264-aac.mkv")}, destination()));
+    EXPECT_NEAR(sound(probe(destination())).times.front(), 2, 0.1);
+}
+
 TEST_F(Conversion, LeavesSubtitlesOutAndSaysSo) {
     ASSERT_NO_FATAL_FAILURE(convert({recording("subtitles.mkv")}, destination()));
     EXPECT_THAT(probe(destination()), SizeIs(2));

@@ -39,6 +39,7 @@ vp9="-c:v libvpx-vp9 -deadline realtime -cpu-used 8 -row-mt 1"
     printf '1\n00:00:00,000 --> 00:00:01,000\nspoken\n' > subtitles.srt
     make subtitles.mkv -i h264-aac.mkv -i subtitles.srt -c copy -c:s srt
     ffmpeg -y -nostdin -loglevel error -i subtitles.srt -c:s srt making-subtitles.mkv && mv making-subtitles.mkv subtitles-alone.mkv
+    make muted.mkv -i h264-aac.mkv -c copy -bsf:a noise=drop=1
     make live.mkv -i h264-aac.mkv -c copy -live 1 -f matroska
     make long.webm $(picture 640x360 30 10) $vp9
 }
