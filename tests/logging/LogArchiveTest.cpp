@@ -239,7 +239,7 @@ TEST_F(LogArchiveTest, KeepsWritingLinesWhileAQueueOfItsOwnMakesALargeArchive) {
     const auto executor = makeArchiveQueue();
     const auto own = std::make_shared<FileLogger>(logs, 1, files, executor, true);
     own->start(true);
-    Noise noise(20'000'000);
+    Noise noise(5'000'000);
     std::ofstream(platform::nativePath(folder / "large")) << &noise;
     own->archiveLogs(files, destination, {{"large", folder / "large"}});
     std::promise<void> done;
