@@ -73,6 +73,11 @@ protected:
         return numbers;
     }
 
+    /// The timer's start is queued to this thread, behind the signal that a spy sees first.
+    bool waitForExitTimer() {
+        return QTest::qWaitFor([this] { return !linesOf("start exit timer").empty(); });
+    }
+
     RecordingLogHook log;
     tarn::testing::TemporaryFolder folder;
     std::string destination = folder / "mee ting.mp4";
@@ -194,6 +199,7 @@ TEST_F(Controller, FinishesJustShortOfAHundredPercent) {
     EXPECT_EQ(linesOf("progress: "), std::vector({111, 111, 111}));
     EXPECT_EQ(linesOf("recording convert completed"), std::vector{114});
     EXPECT_EQ(linesOf("converting starting:" + destination), std::vector{105});
+    EXPECT_TRUE(waitForExitTimer());
     EXPECT_EQ(linesOf("start exit timer"), std::vector{81});
 }
 
@@ -210,6 +216,7 @@ TEST_F(Controller, ReportsAnErrorAndTakesNoNumberForProgress) {
     EXPECT_THAT(log.lines(),
                 Contains("<Error> recording convert error:" + destination + ", error code:-17"));
     EXPECT_EQ(linesOf("recording convert error:"), std::vector{123});
+    EXPECT_TRUE(waitForExitTimer());
     EXPECT_EQ(linesOf("start exit timer"), std::vector{81});
 }
 

@@ -61,8 +61,10 @@ class ProcessLog {
 public:
     /// Starts empty.
     ProcessLog() {
+        // The sink first: it is registered by the worker, which the flush waits for.
+        tarn::testing::FatalLogSink& registered = sink();
         tarn::RootLogger::getInstance().flush();
-        sink().take();
+        registered.take();
     }
 
     /// All records so far, in order.
