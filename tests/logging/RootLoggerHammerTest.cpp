@@ -1,0 +1,158 @@
+// Everything that the logger can be asked for, by many threads at once.
+
+#include "logging/FileLogger.h"
+#include "logging/LogCall.h"
+#include "logging/RootLogger.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <atomic>
+#include <charconv>
+#include <fstream>
+#include <thread>
+#include <vector>
+
+namespace tarn {
+namespace {
+
+constexpr int kThreads = 16;
+constexpr int kLinesOfThread = HAMMER_LINES / kThreads;
+constexpr std::string_view kTail = " end of the line";
+
+/// Follows the lines of each thread: each comes once, in order, whole and masked.
+class LineFollower {
+public:
+    void follow(std::string_view line) {
+        const std::size_t begin = line.find("::T");
+        if (begin == std::string_view::npos) {
+            return; // the logger's own
+        }
+        std::string_view message = line.substr(begin + 3);
+        const int thread = number(message);
+        message.remove_prefix(message.find('L') + 1);
+        const int sequence = number(message);
+        const bool isWhole = message.ends_with(kTail);
+        const bool isMasked = message.contains(" ******** ") && !message.contains("hidden");
+        auto& next = mNext[static_cast<std::size_t>(thread) % kThreads];
+        mFaults += isWhole && isMasked && (sequence == next || next == kUnknown) ? 0 : 1;
+        next = sequence + 1;
+        ++mCount;
+    }
+    int faults() const { return mFaults; }
+    int count() const { return mCount; }
+    /// Any line may be a thread's first: for sinks that come late.
+    void startAnywhere() { mNext.fill(kUnknown); }
+
+private:
+    static constexpr int kUnknown = -1;
+    static int number(std::string_view text) {
+        int value = 0;
+        std::from_chars(text.data(), text.data() + text.size(), value);
+        return value;
+    }
+    std::array<int, kThreads> mNext{};
+    int mFaults = 0;
+    int mCount = 0;
+};
+
+class FollowingSink : public ILogger {
+public:
+    explicit FollowingSink(bool isLate) {
+        if (isLate) {
+            follower.startAnywhere();
+        }
+    }
+    void log(const std::string& line, const LogComponents& /*components*/) override {
+        follower.follow(line);
+    }
+    void clearLogs() override {}
+    void close() override {}
+    void flush() override { ++flushes; }
+
+    LineFollower follower;
+    std::atomic<int> flushes{0};
+};
+
+void writeLines(int thread) {
+    for (int sequence = 0; sequence < kLinesOfThread; ++sequence) {
+        TARN_LOG(RootLoggerLevel::Info,
+                 "T" << thread << " L" << sequence << " hidden-from-the-start" << kTail);
+        if (sequence % 5000 == 4999) {
+            RootLogger::getInstance().flush(); // also keeps the queue from growing without end
+        }
+    }
+}
+
+TEST(RootLoggerHammer, WritesEveryLineOnceWholeInOrderAndMaskedWhateverElseIsGoingOn) {
+    const testing::TemporaryFolder folder;
+    const auto files = std::make_shared<FileUtils>();
+    // One file takes all; another, of half a megabyte, is switched and switched again.
+    const auto whole =
+        std::make_shared<FileLogger>(folder.makeFolder("whole"), 1000, files, nullptr, true);
+    const auto small =
+        std::make_shared<FileLogger>(folder.makeFolder("small"), 1, files, nullptr, true);
+    whole->start(true);
+    small->start(true);
+    RootLogger& logger = RootLogger::getInstance();
+    const auto first = std::make_shared<FollowingSink>(false);
+    logger.init(whole, nullptr, folder.path());
+    logger.registerLogger(small);
+    logger.registerLogger(first);
+    logger.blockListString("hidden-from-the-start");
+    logger.flush();
+
+    std::vector<std::shared_ptr<FollowingSink>> late;
+    std::atomic<int> running{kThreads};
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&running, thread] {
+            writeLines(thread);
+            --running;
+        });
+    }
+    for (int round = 0; running > 0; ++round) {
+        if (round < 20) {
+            late.push_back(std::make_shared<FollowingSink>(true));
+            logger.registerLogger(late.back());
+            logger.blockListString("also hidden " + std::to_string(round));
+        }
+        EXPECT_EQ(logger.filterStrings("a hidden-from-the-start"), "a ********");
+        logger.setLogLevel(RootLoggerLevel::Info);
+        logger.flush();
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (int flushes = first->flushes; first->flushes == flushes;) {
+        logger.flush(); // a flush gives up after five seconds, which a slow machine may need
+    }
+
+    EXPECT_EQ(first->follower.count(), kThreads * kLinesOfThread);
+    EXPECT_EQ(first->follower.faults(), 0);
+    for (const auto& sink : late) {
+        EXPECT_EQ(sink->follower.faults(), 0);
+    }
+    LineFollower inFile;
+    std::ifstream file(folder / "whole/current_log.txt");
+    for (std::string line; std::getline(file, line);) {
+        inFile.follow(line);
+    }
+    EXPECT_EQ(inFile.count(), kThreads * kLinesOfThread);
+    EXPECT_EQ(inFile.faults(), 0);
+    LineFollower inSmallFiles;
+    inSmallFiles.startAnywhere();
+    for (const char* name : {"small/current_log1.txt", "small/current_log.txt"}) {
+        std::ifstream part(folder / name);
+        for (std::string line; std::getline(part, line);) {
+            inSmallFiles.follow(line);
+        }
+    }
+    EXPECT_GT(inSmallFiles.count(), 0);
+    EXPECT_EQ(inSmallFiles.faults(), 0);
+}
+
+} // namespace
+} // namespace tarn
