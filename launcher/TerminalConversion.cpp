@@ -136,7 +136,7 @@ private:
             // Its threads may still call us, so the session stays. The engine's own exit handlers
             // run, and may remove what it has not finished.
             static_cast<void>(mSession.release());
-            std::exit(status);
+            std::exit(status); // NOLINT(concurrency-mt-unsafe): no other thread of ours ends it
         }
         return status;
     }

@@ -16,8 +16,8 @@ import shlex
 import subprocess
 import sys
 
-# GCC's C++23 is named differently by the clang that Debian ships.
-EXTRA = ["--extra-arg=-std=c++2b", "--extra-arg=-Wno-unknown-warning-option"]
+# What GCC is told that the clang that Debian ships does not understand, and what to say instead.
+FOR_CLANG = {"-std=c++23": "-std=c++2b", "-fno-gnu-unique": "", "-Wno-maybe-uninitialized": ""}
 
 
 def header_lists(build: pathlib.Path, root: pathlib.Path) -> dict[str, list[str]]:
@@ -45,7 +45,7 @@ def main() -> int:
     passed.mkdir(exist_ok=True)
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
     settings = [root / ".clang-tidy", *(root / prefix / ".clang-tidy" for prefix in sys.argv[2:])]
-    common = version + " ".join(EXTRA).encode()
+    common = version + str(FOR_CLANG).encode()
     common += b"".join(path.read_bytes() for path in settings if path.exists())
     headers = header_lists(build, root)
 
@@ -70,7 +70,7 @@ def main() -> int:
         if key and (passed / key).exists():
             return entry["file"], True, ""
         run = subprocess.run(
-            ["clang-tidy", "-p", build, "--quiet", *EXTRA, entry["file"]],
+            ["clang-tidy", "-p", passed, "--quiet", entry["file"]],
             capture_output=True, text=True, check=False,
         )
         if run.returncode == 0:
@@ -84,9 +84,14 @@ def main() -> int:
         )
         return entry["file"], False, text
 
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for entry in commands:
+        words = (FOR_CLANG.get(word, word) for word in entry["command"].split(" "))
+        entry["command"] = " ".join(words)
+    (passed / "compile_commands.json").write_text(json.dumps(commands))
     entries = {
         entry["file"]: entry
-        for entry in json.loads((build / "compile_commands.json").read_text())
+        for entry in commands
         if entry["file"].startswith(prefixes) and not entry["file"].startswith(f"{root}/build/")
     }
     failures = 0

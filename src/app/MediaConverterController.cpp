@@ -197,6 +197,8 @@ void MediaConverterController::quieten() {
     }
 }
 
+// The caller's reference comes in here and goes when this ends, hence by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void MediaConverterController::release(std::shared_ptr<MediaConverterController> controller) {
     controller->quieten();
     const auto deadline = std::chrono::steady_clock::now() + kGatePatience;
@@ -209,7 +211,7 @@ void MediaConverterController::endProcess() {
     quieten();
     // Bounded by the logger itself: the last lines are in the file before its thread goes.
     tarn::RootLogger::getInstance().flush();
-    std::exit(0);
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): only the window's thread gets here
 }
 
 } // namespace recordconverter::app

@@ -190,7 +190,7 @@ std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
     static_cast<void>(sink);
 #else
     const std::lock_guard lock(state().mutex);
-    state().instances.push_back(std::make_unique<Instance>(&kInstanceTable, sink));
+    state().instances.push_back(std::make_unique<Instance>(Instance{&kInstanceTable, sink}));
     *instance = state().instances.back().get();
 #endif
     return FAKE_FACTORY_RESULT;
