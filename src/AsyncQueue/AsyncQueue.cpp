@@ -38,7 +38,7 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
         return;
     }
     QueuedTask element{std::move(task), taskType, taskName};
-    const std::lock_guard lock(mContext->mMutex);
+    const auto lock = mContext->lockShortly();
     Context::Queue& target = mContext->target();
     if (position == kFrontPosition) {
         target.push_front(std::move(element));
@@ -53,14 +53,8 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
 void AsyncQueue::cancelTasks(std::uint32_t taskType) {
     Context::Queue dropped; // destroyed after the lock
     const std::lock_guard lock(mContext->mMutex);
-    Context::Queue& target = mContext->target();
-    std::erase_if(target, [&](QueuedTask& element) {
-        if (element.type != taskType) {
-            return false;
-        }
-        dropped.push_back(std::move(element));
-        return true;
-    });
+    mContext->target().moveIf([&](const QueuedTask& element) { return element.type == taskType; },
+                              dropped);
 }
 
 void AsyncQueue::clear() {
@@ -108,6 +102,7 @@ void AsyncQueue::stop() {
     {
         // The lock keeps the wake-up from falling between the worker's test and its wait.
         const std::lock_guard lock(mContext->mMutex);
+        mContext->mWakeCount.fetch_add(1, std::memory_order_relaxed);
         mContext->mCondition.notify_all();
     }
     try {

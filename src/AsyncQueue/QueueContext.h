@@ -1,10 +1,10 @@
 #pragma once
 
 #include "AsyncQueue/AsyncQueue.h"
+#include "AsyncQueue/RingDeque.h"
 
 #include <atomic>
 #include <condition_variable>
-#include <deque>
 #include <mutex>
 
 namespace tarn {
@@ -17,7 +17,7 @@ struct QueuedTask {
 
 /// What a queue and its worker share. Lock order: mMutex before mTaskNameMutex.
 struct AsyncQueue::Context {
-    using Queue = std::deque<QueuedTask>;
+    using Queue = RingDeque<QueuedTask>;
 
     std::mutex mMutex; ///< both queues, mHasFinishedFunc, changes of mSuspended, mIsWorkerWaiting
     std::mutex mTaskNameMutex; ///< mCurrentTaskName alone
@@ -35,7 +35,8 @@ struct AsyncQueue::Context {
 
     /// Set by the worker before its first task: mThread itself is still being stored then.
     std::atomic<std::thread::id> mThreadId{};
-    bool mIsWorkerWaiting = false; ///< spares a wake-up that nobody waits for
+    bool mIsWorkerWaiting = false;            ///< spares a wake-up that nobody waits for
+    std::atomic<std::uint32_t> mWakeCount{0}; ///< tells a worker that looks for work of some
 
     Context() = default;
     Context(const Context&) = delete;
@@ -50,11 +51,24 @@ struct AsyncQueue::Context {
         const State state = mState.load();
         return state == State::Initialising || state == State::Processing;
     }
+    /// Takes mMutex, which nobody holds for long, rather by trying than by a system call.
+    std::unique_lock<std::mutex> lockShortly() {
+        constexpr int kTries = 40;
+        std::unique_lock lock(mMutex, std::defer_lock);
+        for (int tries = 0; tries < kTries; ++tries) {
+            if (lock.try_lock()) {
+                return lock;
+            }
+        }
+        lock.lock();
+        return lock;
+    }
     /// The queue that posts go to. With mMutex held.
     Queue& target() { return isInitialiserPhase() ? mPendingQueue : mQueue; }
 
     /// With mMutex held.
     void wakeWorker() {
+        mWakeCount.fetch_add(1, std::memory_order_relaxed);
         if (mIsWorkerWaiting) {
             mIsWorkerWaiting = false;
             mCondition.notify_one();

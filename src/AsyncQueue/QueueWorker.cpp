@@ -5,7 +5,9 @@
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
 
+#include <chrono>
 #include <exception>
+#include <thread>
 #include <utility>
 
 namespace tarn {
@@ -15,11 +17,14 @@ using State = AsyncQueue::State;
 
 constexpr const char* kCallSiteFile = "AsyncQueue/AsyncQueue";
 constexpr std::uint32_t kCallSiteLine = 186;
+constexpr std::chrono::microseconds kLookingTime{20};
 
 } // namespace
 
 QueueWorker::QueueWorker(std::shared_ptr<AsyncQueue::Context> context)
-    : mContext(std::move(context)), mName(mContext->mName) {
+    : mContext(std::move(context)),
+      mName(mContext->mName),
+      mScope("AsyncQueue::" + mName, mContext->mRegisterThread) {
 }
 
 void QueueWorker::doWork() {
@@ -30,7 +35,7 @@ void QueueWorker::doWork() {
         if (mContext->mHasFinishedFunc) {
             suspendSelf(lock);
         } else if (mContext->mSuspended.load()) {
-            mContext->waitForWork(lock);
+            idle(lock);
         } else if (!mContext->mQueue.empty()) {
             if (!runFrontTask(lock)) {
                 return;
@@ -38,8 +43,26 @@ void QueueWorker::doWork() {
         } else if (mContext->mState.load() == State::Processing) {
             swapQueues(lock);
         } else {
-            mContext->waitForWork(lock);
+            idle(lock);
         }
+    }
+}
+
+/// Going to sleep and being woken costs the worker and the next poster a system call each: a burst
+/// of posts finds the worker still looking.
+void QueueWorker::idle(Lock& lock) {
+    const std::uint32_t seen = mContext->mWakeCount.load(std::memory_order_relaxed);
+    if (std::exchange(mHasWorked, false)) {
+        lock.unlock();
+        mScope.close();
+        const auto end = std::chrono::steady_clock::now() + kLookingTime;
+        while (mContext->mWakeCount.load(std::memory_order_relaxed) == seen &&
+               std::chrono::steady_clock::now() < end) {
+            std::this_thread::yield();
+        }
+        lock.lock();
+    } else {
+        mContext->waitForWork(lock);
     }
 }
 
@@ -48,6 +71,7 @@ void QueueWorker::suspendSelf(Lock& lock) {
     {
         const auto callback = std::exchange(mContext->mHasFinishedFunc, nullptr);
         lock.unlock();
+        mScope.close();
         // Outside the lock, because the line may be posted to this very queue.
         TARN_LOG_AT(RootLoggerLevel::Info, 139,
                     "mHasFinishedFunc is not nil, so we are ready to suspend and notify callback: "
@@ -112,25 +136,29 @@ bool QueueWorker::runFrontTask(Lock& lock) {
         }
     }
     describeWhenDetached();
-    lock.lock();
+    mHasWorked = true;
+    lock = mContext->lockShortly();
     mContext->setCurrentTaskName({});
     return true;
 }
 
 bool QueueWorker::callTask(TaskFunction& task, const std::string& taskName) {
     try {
-        const ScopedThreadNotifications scope("AsyncQueue::" + mName + "[" + taskName + "]",
-                                              mContext->mRegisterThread);
+        mScope.enter(taskName);
         task(CallSite::capture(kCallSiteFile, kCallSiteLine, "doWork"));
+        mScope.leave();
     } catch (const AsyncQueueDestroyedException&) {
+        mScope.close();
         TARN_LOG_AT(RootLoggerLevel::Warn, 190,
                     "AsyncQueue[" << mName << "] Destructed running task" << taskName);
         return false;
     } catch (const std::exception& error) {
+        mScope.close();
         TARN_LOG_AT(RootLoggerLevel::Error, 195,
                     "AsyncQueue[" << mName << "] Encountered an exception while running a task: "
                                   << error.what() << " with a task name of " << taskName);
     } catch (...) {
+        mScope.close();
         TARN_LOG_AT(RootLoggerLevel::Error, 199,
                     "AsyncQueue[" << mName
                                   << "] Encountered a generic exception while running task "
@@ -141,6 +169,7 @@ bool QueueWorker::callTask(TaskFunction& task, const std::string& taskName) {
 
 void QueueWorker::describeWhenDetached() {
     if (mContext->mDetached) {
+        mScope.close();
         ThreadUtilities::setThreadDescription("Detached::AsyncQueue::" + mName);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AsyncQueue/QueueContext.h"
+#include "AsyncQueue/TaskScope.h"
 
 #include <memory>
 #include <mutex>
@@ -30,9 +31,13 @@ private:
     bool runFrontTask(Lock& lock);
     bool callTask(TaskFunction& task, const std::string& taskName);
     void describeWhenDetached();
+    /// Looks for work a while longer, then waits.
+    void idle(Lock& lock);
 
     std::shared_ptr<AsyncQueue::Context> mContext;
     const std::string mName;
+    TaskScope mScope;
+    bool mHasWorked = false; ///< since it last slept
 };
 
 } // namespace tarn

@@ -3,23 +3,20 @@
 #include "platform/Identity.h"
 #include "threading/ThreadUtilities.h"
 
-#include <utility>
-
 namespace tarn {
 
-void LogRecord::capture(std::string&& text, RootLoggerLevel::Level messageLevel,
+void LogRecord::capture(std::string_view text, RootLoggerLevel::Level messageLevel,
                         std::int32_t sourceLine, std::string_view file, std::string_view function,
                         std::string_view tag) {
     time = std::time(nullptr);
     level = messageLevel;
     threadId = platform::threadId();
     line = sourceLine;
-    message = std::move(text);
+    message = text;
     if (const auto separator = file.find_last_of("/\\"); separator != std::string_view::npos) {
         file.remove_prefix(separator + 1);
     }
     mTexts.clear();
-    mTexts.reserve(64);
     ThreadUtilities::appendCurrentThreadName(mTexts);
     mFileAt = mTexts.size();
     mTexts += file;

@@ -12,7 +12,8 @@
 namespace tarn {
 
 /// What the calling thread captures of a log call, in the form that is cheapest to make: the texts
-/// of its LogComponents are written out by the worker. Owns its texts.
+/// of its LogComponents are written out by the worker. Owns its texts, in buffers that it keeps
+/// when it is used again.
 struct LogRecord {
     std::time_t time = 0;
     RootLoggerLevel::Level level = RootLoggerLevel::Unknown;
@@ -22,8 +23,9 @@ struct LogRecord {
 
     /// Takes time, thread and thread name from the calling thread. `file` is cut to its last path
     /// component.
-    void capture(std::string&& text, RootLoggerLevel::Level messageLevel, std::int32_t sourceLine,
-                 std::string_view file, std::string_view function, std::string_view tag);
+    void capture(std::string_view text, RootLoggerLevel::Level messageLevel,
+                 std::int32_t sourceLine, std::string_view file, std::string_view function,
+                 std::string_view tag);
 
     std::string_view threadName() const { return part(0, mFileAt); }
     std::string_view file() const { return part(mFileAt, mFunctionAt); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,6 +14,8 @@ namespace tarn {
 /// fraction of the cost, and takes no others.
 class LogStream {
 public:
+    LogStream() { mText.reserve(kUsualSize); }
+
     LogStream& operator<<(std::string_view text) {
         mText.append(text);
         return *this;
@@ -38,6 +41,8 @@ public:
     std::string take() { return std::move(mText); }
 
 private:
+    static constexpr std::size_t kUsualSize = 120; ///< spares most messages growing step by step
+
     LogStream& appendSigned(std::int64_t value);
     LogStream& appendUnsigned(std::uint64_t value);
 

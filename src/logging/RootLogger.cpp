@@ -3,7 +3,7 @@
 #include "AsyncQueue/AsyncQueue.h"
 #include "logging/LogCall.h"
 #include "logging/LogOutput.h"
-#include "logging/LogRecord.h"
+#include "logging/RecordPool.h"
 #include "logging/Scrubber.h"
 
 #include <chrono>
@@ -36,9 +36,12 @@ struct FlushContext {
 } // namespace
 
 RootLogger::RootLogger(const std::shared_ptr<IAsyncQueue>& queue)
-    : mOutput(std::make_shared<LogOutput>()),
+    : mOutput(std::make_unique<LogOutput>()),
+      mRecords(std::make_unique<RecordPool>()),
       mQueue(queue != nullptr ? queue : std::make_shared<AsyncQueue>("RootLogger", false)) {
 }
+
+RootLogger::~RootLogger() = default;
 
 RootLogger& RootLogger::getInstance(const std::shared_ptr<IAsyncQueue>& queue) {
     // Never destroyed: its worker and the threads that log may outlive the static objects.
@@ -91,14 +94,14 @@ void RootLogger::log(std::string message, RootLoggerLevel::Level level, std::int
                      std::string_view file, std::string_view function,
                      std::string_view tag) noexcept {
     try {
-        getInstance().capture(std::move(message), level, line, file, function, tag);
+        getInstance().capture(message, level, line, file, function, tag);
     } catch (...) {
         // A record that cannot be queued is dropped: logging never throws to its caller.
         return;
     }
 }
 
-void RootLogger::capture(std::string&& message, RootLoggerLevel::Level level, std::int32_t line,
+void RootLogger::capture(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
                          std::string_view file, std::string_view function, std::string_view tag) {
     if (!isEnabled(level) || !mActive.load()) {
         return;

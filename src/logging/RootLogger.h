@@ -14,6 +14,7 @@ namespace tarn {
 
 class IAsyncQueue;
 class LogOutput;
+class RecordPool;
 
 /// The one logging hub of the process. All operations may be called from any thread and none of
 /// them throws but for a failing mutex or want of memory; log() never does. Sinks, blocklist and
@@ -49,16 +50,17 @@ public:
 
 private:
     explicit RootLogger(const std::shared_ptr<IAsyncQueue>& queue);
-    ~RootLogger() = default;
+    ~RootLogger();
 
     static RootLogger& create(const std::shared_ptr<IAsyncQueue>& queue);
-    void capture(std::string&& message, RootLoggerLevel::Level level, std::int32_t line,
+    void capture(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
                  std::string_view file, std::string_view function, std::string_view tag);
     void addBlockedString(std::string&& text);
 
     LevelFilter mLevels;
     std::atomic<bool> mActive{false}; ///< a sink is registered
-    std::shared_ptr<LogOutput> mOutput;
+    std::unique_ptr<LogOutput> mOutput;
+    std::unique_ptr<RecordPool> mRecords;
     std::string mLogFolder;
     std::shared_ptr<IAsyncQueue> mQueue;
 };

@@ -73,6 +73,9 @@ TEST_F(AsyncQueueStopTest, MayBeDestroyedByItsOwnTask) {
 }
 
 TEST_F(AsyncQueueStopTest, StaysExitingWhenTheWorkerCannotBeJoined) {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the thread sanitizer forgets a thread whose joining failed";
+#endif
     testing::expectErrorLine("Failure waiting for worker thread to finish. code=");
     AsyncQueueProbe probe(*mQueue);
     run("join itself", [&] {

@@ -22,7 +22,7 @@ protected:
     void write(const std::string& message, const std::string& file = "File",
                const std::string& tag = "", const std::string& function = "function") {
         LogRecord record;
-        record.capture(std::string(message), RootLoggerLevel::Info, 120, file, function, tag);
+        record.capture(message, RootLoggerLevel::Info, 120, file, function, tag);
         record.time = 1714555805;
         mOutput.write(record);
     }

@@ -27,11 +27,17 @@ public:
         }
         const std::lock_guard lock(mMutex);
         const auto [entry, isNew] = mEntries.try_emplace(thread);
+        Entry& description = entry->second;
         if (isNew) {
-            prctl(PR_GET_NAME, entry->second.original.data());
+            prctl(PR_GET_NAME, description.original.data());
+            description.inKernel = description.original;
         }
-        entry->second.text = text;
-        prctl(PR_SET_NAME, kernelName(entry->second).data());
+        description.text = text;
+        const KernelName name = kernelName(thread, description);
+        if (name != description.inKernel) {
+            prctl(PR_SET_NAME, name.data());
+            description.inKernel = name;
+        }
     }
 
     std::string get(std::uint32_t thread) {
@@ -43,13 +49,15 @@ public:
 private:
     struct Entry {
         std::string text;
-        KernelName original{}; ///< what the kernel called the thread before: an empty text gives
-                               ///< it back
+        KernelName original{}; ///< before the first description
+        KernelName inKernel{};
     };
 
-    static KernelName kernelName(const Entry& entry) {
+    /// The kernel's threads always have a name. An empty text gives the main thread, whose name is
+    /// the process's, its own back; a worker keeps its last, which spares two calls for each task.
+    static KernelName kernelName(std::uint32_t thread, const Entry& entry) {
         if (entry.text.empty()) {
-            return entry.original;
+            return thread == processId() ? entry.original : entry.inKernel;
         }
         KernelName name{};
         std::copy_n(entry.text.begin(), std::min(entry.text.size(), name.size() - 1), name.begin());
