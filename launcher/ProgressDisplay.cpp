@@ -47,8 +47,9 @@ std::string progressLine(float percent, std::chrono::milliseconds elapsed, std::
     if (room >= kNarrowestBar) {
         const int bar = std::min(room, kWidestBar);
         const auto full = static_cast<std::size_t>(share * bar);
-        tail = "[" + std::string(full, '#') +
-               std::string(static_cast<std::size_t>(bar) - full, '.') + "]" + tail;
+        std::string drawn = "[";
+        drawn.append(full, '#').append(static_cast<std::size_t>(bar) - full, '.').append("]");
+        tail.insert(0, drawn);
     }
     return tail.substr(0, static_cast<std::size_t>(std::max(width, 0)));
 }
