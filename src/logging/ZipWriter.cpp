@@ -86,7 +86,7 @@ std::vector<char> exactTime(std::int64_t modified) {
 
 } // namespace
 
-ZipWriter::ZipWriter(std::ostream& output) {
+ZipWriter::ZipWriter(std::ostream& output) : mBlock(kBlock) {
     zlib_filefunc64_def functions{};
     functions.zopen64_file = openStream;
     functions.zread_file = readStream;
@@ -124,11 +124,10 @@ bool ZipWriter::add(const std::string& name, std::istream& content, std::uint64_
 }
 
 bool ZipWriter::writeContent(std::istream& content) {
-    std::vector<char> block(kBlock);
     while (content) {
-        content.read(block.data(), static_cast<std::streamsize>(block.size()));
+        content.read(mBlock.data(), static_cast<std::streamsize>(mBlock.size()));
         const auto count = static_cast<unsigned>(content.gcount());
-        if (count > 0 && zipWriteInFileInZip(mZip, block.data(), count) != ZIP_OK) {
+        if (count > 0 && zipWriteInFileInZip(mZip, mBlock.data(), count) != ZIP_OK) {
             return false;
         }
     }

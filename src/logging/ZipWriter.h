@@ -4,6 +4,7 @@
 #include <istream>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace tarn {
 
@@ -29,6 +30,7 @@ private:
     bool writeContent(std::istream& content);
 
     void* mZip;
+    std::vector<char> mBlock; ///< one for all entries: there may be many small ones
 };
 
 } // namespace tarn
