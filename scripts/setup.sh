@@ -12,12 +12,13 @@ packages_build=(
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
     qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml
     qml6-module-qtqml-models qml6-module-qtqml-workerscript
+    qt6-qpa-plugins fonts-dejavu-core
     libgl1-mesa-dri xvfb xauth x11-utils xdotool imagemagick ffmpeg
 )
 packages_test=(
     libgtest-dev libgmock-dev googletest
     unzip p7zip-full python3 procps
-    clang clang-format clang-tidy cppcheck shellcheck
+    clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck
 )
 packages_windows=(
     g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64
