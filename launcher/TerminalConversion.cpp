@@ -79,7 +79,8 @@ private:
     ExitStatus stop() {
         if (!mState->claimEnding()) {
             // The engine was faster, and is about to say so.
-            return finish(report(*mState->waitUntilSettled(std::chrono::hours(1))),
+            return finish(report(mState->waitUntilSettled(std::chrono::hours(1))
+                                     .value_or(ConversionState::Ending{Result::NothingWritten})),
                           kWindUpPatience);
         }
         TARN_LOG(tarn::RootLoggerLevel::Info, "The conversion is interrupted.");

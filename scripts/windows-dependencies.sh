@@ -71,7 +71,7 @@ fetch_source() {
 # themselves.
 install_from_make() {
     make install DESTDIR="$work/stage"
-    sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L${prefix}[^ ]*||g" \
+    sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L$prefix[^ ]*||g" \
         "$work"/stage/opt/lib/pkgconfig/*.pc
     cp -r "$work/stage/opt/." "$prefix/"
 }

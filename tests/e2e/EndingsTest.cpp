@@ -93,6 +93,9 @@ TEST_F(Endings, AResultOutsideTheFailureBitsStartsAndALateErrorChangesNothing) {
 }
 
 TEST_F(Endings, CtrlCStopsWithinASecondAndLeavesTheSourcesAlone) {
+    if (!Process::canInterrupt()) {
+        GTEST_SKIP() << "there is no console to interrupt a program on";
+    }
     for (const std::string variant : {"whole", "no-stop"}) {
         for (const bool deleting : {false, true}) {
             SCOPED_TRACE(variant + (deleting ? " deleting" : ""));
@@ -121,6 +124,9 @@ TEST_F(Endings, CtrlCStopsWithinASecondAndLeavesTheSourcesAlone) {
 }
 
 TEST_F(Endings, CtrlCKeepsADestinationThatWasThereBefore) {
+    if (!Process::canInterrupt()) {
+        GTEST_SKIP() << "there is no console to interrupt a program on";
+    }
     mFolder.write("out.mp4", "older");
     const std::string source = mFolder.write("a.mkv", "progress 20\nhold");
     Process process(

@@ -42,7 +42,6 @@ TEST_F(Refusals, NameWhatStandsInTheWayInOneSentence) {
         {{"gone.mkv", mDestination}, "There is no recording"},
         {{text, mDestination}, "There is no recording"},
         {{"a\n\x1B[31m.mkv", mDestination}, "a??[31m.mkv"},
-        {{"a\xFF.mkv", mDestination}, "not valid UTF-8"},
         {{mFolder.path(), mDestination}, "is a folder"},
         {{mSource, mFolder / "none/out.mp4"}, "make it first"},
         {{mSource, mSource}, "is one of the recordings"},

@@ -33,6 +33,8 @@ public:
                        std::chrono::milliseconds patience = std::chrono::minutes(1));
     /// Ctrl-C: SIGINT, or a console event on Windows.
     void interrupt();
+    /// False on Windows without a console, as under Wine with no terminal.
+    static bool canInterrupt();
     void kill();
 
     /// What came so far, whole after wait().

@@ -161,6 +161,10 @@ void Process::interrupt() {
     }
 }
 
+bool Process::canInterrupt() {
+    return true;
+}
+
 void Process::kill() {
     if (!mImplementation->status) {
         ::kill(-mImplementation->pid, SIGKILL);

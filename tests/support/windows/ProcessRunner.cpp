@@ -186,6 +186,10 @@ void Process::interrupt() {
     GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, mImplementation->process.dwProcessId);
 }
 
+bool Process::canInterrupt() {
+    return GetConsoleCP() != 0;
+}
+
 void Process::kill() {
     if (!mImplementation->status) {
         TerminateProcess(mImplementation->process.hProcess, 137);

@@ -1,4 +1,4 @@
-// Only Linux can be without a display.
+// What only Linux has: runs without a display, names that are no UTF-8, names with a bar.
 
 #include "e2e/LauncherFixture.h"
 #include "support/FakeLibraries.h"
@@ -8,11 +8,12 @@
 namespace e2e {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
-class Display : public LauncherFixture {};
+class LinuxLauncher : public LauncherFixture {};
 
-TEST_F(Display, WithoutOneTheLauncherSaysSoAndNamesTheTerminal) {
+TEST_F(LinuxLauncher, SaysThatThereIsNoDisplayAndNamesTheTerminal) {
     const std::string source = mFolder.write("a.mkv", "x");
     for (const std::string x11 : {"", ":987", "unix:987.0", "nonsense"}) {
         for (const std::string wayland : {"", "no-such-socket", "/no/such/socket"}) {
@@ -32,6 +33,26 @@ TEST_F(Display, WithoutOneTheLauncherSaysSoAndNamesTheTerminal) {
                       "on: convert with --no-window.\n");
         }
     }
+}
+
+TEST_F(LinuxLauncher, LendsTheWindowAPlainNameForOneThatItCanNotTake) {
+    const std::string odd = mFolder.write("a|b.mkv", "x");
+    const std::vector<std::string> arguments{
+        "--engine-folder", tarn::testing::fakeEngineFolder("whole"), odd, mDestination};
+    Process::Start start = windowCommand(arguments);
+    start.environment.emplace_back("QT_QPA_PLATFORM", "offscreen");
+    EXPECT_EQ(tarn::testing::runProcess(start).status, 0);
+    start.command.insert(start.command.begin() + 1, "--delete-sources");
+    const ProcessResult result = tarn::testing::runProcess(start);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, AllOf(HasSubstr("a|b.mkv"), HasSubstr("--no-window")));
+    EXPECT_TRUE(exists(odd));
+}
+
+TEST_F(LinuxLauncher, RefusesANameThatIsNoUtf8) {
+    const ProcessResult result = launch({"a\xFF.mkv", mDestination});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("\"a\xEF\xBF\xBD.mkv\" is not valid UTF-8"));
 }
 
 } // namespace
