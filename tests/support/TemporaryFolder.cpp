@@ -21,11 +21,16 @@ std::filesystem::path native(const std::string& path) {
 } // namespace
 
 TemporaryFolder::TemporaryFolder() {
+    constexpr int kMostLeftBehind = 1000;
     static std::atomic<int> number = 0;
-    mPath = FileUtils().joinPath(platform::temporaryFolder(),
-                                 "record-converter-test-" + std::to_string(platform::processId()) +
-                                     "-" + std::to_string(++number));
-    if (!FileUtils().mkdir(mPath)) {
+    const std::string beginning =
+        FileUtils().joinPath(platform::temporaryFolder(), "record-converter-test-") +
+        std::to_string(platform::processId()) + "-";
+    // Process numbers come again, soon so under Wine: a killed test's folder may have the name.
+    do {
+        mPath = beginning + std::to_string(++number);
+    } while (!FileUtils().mkdir(mPath) && FileUtils().exists(mPath) && number < kMostLeftBehind);
+    if (!FileUtils().dirExists(mPath) || number >= kMostLeftBehind) {
         throw std::runtime_error("can not make " + mPath);
     }
 }
