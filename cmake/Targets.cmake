@@ -11,10 +11,11 @@ function(record_converter_library name)
 endfunction()
 
 # record_converter_test(NAME SOURCES file... [LINK target...] [LABELS label...] [TIMEOUT seconds]
-#                       [ENVIRONMENT name=value...])
+#                       [ENVIRONMENT name=value...] [LOCK name])
+# Cases that share a LOCK never run at the same time.
 # A GoogleTest program; each of its cases is a CTest test of its own.
 function(record_converter_test name)
-    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(ARG "" "TIMEOUT;LOCK" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()
@@ -28,6 +29,9 @@ function(record_converter_test name)
     set(properties TIMEOUT ${ARG_TIMEOUT})
     if(ARG_LABELS)
         list(APPEND properties LABELS "${ARG_LABELS}")
+    endif()
+    if(ARG_LOCK)
+        list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
     endif()
     if(ARG_ENVIRONMENT)
         list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
