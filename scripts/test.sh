@@ -3,8 +3,8 @@
 # Usage: scripts/test.sh [STAGE...]
 #   dev      Linux build, all tests            asan     address and undefined-behaviour sanitizers
 #   tsan     thread sanitizer, without Qt      windows  MinGW-w64 build, tests under Wine
-#   lint     static checks                     linux    dev, asan and tsan
-#   (none)   all of them
+#   linux    dev                               sanitizers  asan and tsan
+#   lint     static checks                     (none)   linux and windows
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -44,8 +44,8 @@ run_lint() {
 
 for stage in "${stages[@]}"; do
     case "$stage" in
-        linux)
-            run_preset dev
+        linux) run_preset dev ;;
+        sanitizers)
             run_preset asan
             run_preset tsan
             ;;
@@ -57,7 +57,7 @@ for stage in "${stages[@]}"; do
             run_preset windows "-DRECORD_CONVERTER_WINDOWS_PREFIX=$prefix"
             ;;
         *)
-            echo "test.sh: no stage named '$stage' (lint, dev, asan, tsan, linux, windows)" >&2
+            echo "test.sh: no stage named '$stage' (dev, linux, asan, tsan, sanitizers, windows, lint)" >&2
             exit 2
             ;;
     esac
