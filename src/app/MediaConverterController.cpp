@@ -101,6 +101,7 @@ void MediaConverterController::createConverter(const std::shared_ptr<ConverterLo
 }
 
 void MediaConverterController::connectExitTimer() {
+    exitTimer.setTimerType(Qt::PreciseTimer); // a coarse one may end up to 5 % before its time
     // Emitted on the engine's threads, so both run later, here on the GUI thread.
     const auto start = [self = weak_from_this()] { startExitTimer(self); };
     connect(this, &MediaConverterController::convertFinished, this, start);
