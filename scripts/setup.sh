@@ -8,7 +8,7 @@ packages_build=(
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
     libminizip-dev zlib1g-dev
     qt6-base-dev qt6-base-private-dev qt6-declarative-dev qt6-declarative-dev-tools
-    qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools libqt6svg6 libqt6svg6-dev
+    qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools libqt6svg6 qt6-svg-dev
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
     qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml
     qml6-module-qtqml-models qml6-module-qtqml-workerscript
