@@ -65,11 +65,11 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
 else
     mkdir -p "$root/build/demo"
     picture=$root/build/demo/notice.png
-    export -f convert_on_hidden_display
     export program log_folder
     echo "Converting, with the notice on a hidden display."
     xvfb-run -a -s "-screen 0 1280x720x24" \
-        bash -c 'convert_on_hidden_display "$@"' demo "$picture" "${files[@]}"
+        bash -c "$(declare -f convert_on_hidden_display)"'; convert_on_hidden_display "$@"' \
+        demo "$picture" "${files[@]}"
     echo "Picture of the notice: $picture"
 fi
 
