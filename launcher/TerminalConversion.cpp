@@ -41,6 +41,8 @@ class TerminalConversion {
 public:
     TerminalConversion(const Job& job, std::shared_ptr<recordconverter::ConverterLog> converterLog)
         : mJob(job),
+          // Asked before the start: on Windows a source that is open can not be deleted.
+          mTotalSize(totalSize(job.sources)),
           mDestinationWasThere(tarn::FileUtils().exists(job.destination)),
           mState(std::make_shared<ConversionState>()),
           // What the session does not know it can not delete.
@@ -66,7 +68,7 @@ public:
 private:
     /// Nothing when the user interrupts first.
     std::optional<ConversionState::Ending> waitForEnding() {
-        ProgressDisplay display(totalSize(mJob.sources));
+        ProgressDisplay display(mTotalSize);
         std::optional<ConversionState::Ending> ending;
         while (!ending && !tarn::platform::interrupted()) {
             ending = mState->waitUntilSettled(kRedrawPeriod);
@@ -143,6 +145,7 @@ private:
     }
 
     const Job& mJob;
+    std::uint64_t mTotalSize;
     bool mDestinationWasThere;
     std::shared_ptr<EngineComplaint> mComplaint = std::make_shared<EngineComplaint>();
     std::shared_ptr<ConversionState> mState;

@@ -3,12 +3,12 @@
 #include "AsyncQueue/AsyncQueue.h"
 #include "support/ErrorWatch.h"
 #include "support/RecordingLogHook.h"
+#include "support/Signal.h"
 
 #include <gmock/gmock.h>
 
 #include <future>
 #include <memory>
-#include <semaphore>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,7 +35,7 @@ protected:
         std::promise<void> isHolding;
         mQueue->post("hold", TaskFunction([this, &isHolding] {
                          isHolding.set_value();
-                         mMayGoOn.acquire();
+                         mMayGoOn.wait();
                      }),
                      0, 0);
         isHolding.get_future().wait();
@@ -43,7 +43,7 @@ protected:
     }
     void release() {
         if (std::exchange(mIsHeld, false)) {
-            mMayGoOn.release();
+            mMayGoOn.set();
         }
     }
     void note(const std::string& text) {
@@ -67,7 +67,7 @@ protected:
     testing::RecordingLogHook mLog;
     std::mutex mMutex;
     std::vector<std::string> mNotes;
-    std::binary_semaphore mMayGoOn{0};
+    testing::Signal mMayGoOn;
     bool mIsHeld = false;
     std::shared_ptr<AsyncQueue> mQueue = std::make_shared<AsyncQueue>("Q", false);
 };

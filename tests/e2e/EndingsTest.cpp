@@ -35,7 +35,7 @@ TEST_F(Endings, ACompleteConversionKeepsTheSourcesUnlessTheyAreToBeDeleted) {
 
     result = launchFake("whole", {"--delete-sources", "a.mkv", "b.mkv", "out.mp4"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_THAT(filesLeft(), ElementsAre("out.mp4"));
+    EXPECT_THAT(filesLeft(), ElementsAre("out.mp4")) << result.errors;
 }
 
 TEST_F(Endings, AnEngineWithoutTheStopExportIsLeftToTheEndOfTheProcess) {

@@ -4,6 +4,7 @@
 #include "engine/core/SinkGate.h"
 #include "engine/core/SourceFile.h"
 #include "engine/core/Verifier.h"
+#include "support/Signal.h"
 
 #include <gmock/gmock.h>
 
@@ -109,18 +110,17 @@ TEST(Progress, NeverFallsNorReaches100BeforeTheEnd) {
 TEST(SinkGate, LetsNobodyLeaveTheSinkWhileACallIsUnderWay) {
     int sink = 0;
     SinkGate<int> gate(&sink);
-    std::atomic<bool> isInside{false};
-    std::atomic<bool> mayLeave{false};
+    tarn::testing::Signal isInside;
+    tarn::testing::Signal mayLeave;
     std::atomic<bool> hasLeft{false};
     std::thread caller([&] {
         gate.call([&](int&) {
-            isInside = true;
-            isInside.notify_all();
-            mayLeave.wait(false);
+            isInside.set();
+            mayLeave.wait();
             hasLeft = true;
         });
     });
-    isInside.wait(false);
+    isInside.wait();
     gate.drop(); // gives up in time, with the call still under way
     EXPECT_FALSE(hasLeft);
     EXPECT_FALSE(gate.call([](int&) {}));
@@ -132,8 +132,7 @@ TEST(SinkGate, LetsNobodyLeaveTheSinkWhileACallIsUnderWay) {
         gate.set(nullptr); // from within: its own call is not waited for
     }));
     EXPECT_TRUE(wasCalled);
-    mayLeave = true;
-    mayLeave.notify_all();
+    mayLeave.set();
     caller.join();
 }
 

@@ -2,6 +2,7 @@
 #include "engine/MediaProbe.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "support/Signal.h"
 
 #include <gmock/gmock.h>
 
@@ -106,7 +107,7 @@ struct Sink {
     const SinkTable* table;
     std::atomic<int> destroyed{0};
     std::atomic<int> errors{0};
-    std::atomic<bool> isComplete{false};
+    tarn::testing::Signal isComplete{};
 };
 struct Converter;
 struct ConverterTable {
@@ -132,8 +133,9 @@ struct TraceSink {
 constexpr SinkTable sinkTable = {
     [](Sink* self, unsigned) -> void* { return ++self->destroyed, nullptr; },
     [](Sink* self, float percent) {
-        self->isComplete = percent >= 100.0F;
-        self->isComplete.notify_all();
+        if (percent >= 100.0F) {
+            self->isComplete.set();
+        }
     },
     [](Sink* self, std::int32_t) { ++self->errors; }};
 constexpr TraceTable traceTable = {
@@ -159,7 +161,7 @@ TEST_F(Lifetime, TheTablesAreThoseOfTheContractWhicheverCompilerBuiltThem) {
                       ? table.startSingle(converter, sources[0], destination().c_str(), 3, 4)
                       : table.startMultiple(converter, sources, count, destination().c_str(), 3, 4),
                   0);
-        sink.isComplete.wait(false);
+        sink.isComplete.wait();
         EXPECT_EQ(engine.stopConversions(60'000), 0);
         EXPECT_EQ(sink.errors, 0);
         EXPECT_EQ(sink.destroyed, 0);

@@ -1,4 +1,5 @@
 #include "platform/Identity.h"
+#include "support/Signal.h"
 #include "threading/ExternalInput.h"
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
@@ -6,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <future>
-#include <semaphore>
 #include <thread>
 
 namespace tarn {
@@ -32,18 +32,18 @@ void onNewThread(const std::function<void()>& work) {
 
 TEST(ThreadUtilities, ShowsTheWholeDescriptionToOtherThreadsUntilTheThreadEnds) {
     const std::string name = "Ein Faden für Übersetzungen: " + std::string(300, 'x');
-    std::binary_semaphore mayEnd{0};
+    testing::Signal mayEnd;
     std::promise<std::uint32_t> identifier;
     std::thread thread([&] {
         setThreadDescription(name);
         EXPECT_EQ(ownName(), name);
         identifier.set_value(platform::threadId());
-        mayEnd.acquire();
+        mayEnd.wait();
     });
     const std::uint32_t id = identifier.get_future().get();
     EXPECT_EQ(getThreadDescription(id), name);
     EXPECT_NE(getThreadDescription(platform::threadId()), name);
-    mayEnd.release();
+    mayEnd.set();
     thread.join();
     EXPECT_EQ(getThreadDescription(id), "");
 }

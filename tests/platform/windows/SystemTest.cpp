@@ -5,12 +5,12 @@
 #include "platform/ThreadDescription.h"
 #include "platform/windows/Kernel32.h"
 #include "support/HookedLog.h"
+#include "support/Signal.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
 
 #include <cstdlib>
-#include <latch>
 #include <thread>
 
 namespace tarn::platform {
@@ -71,19 +71,19 @@ TEST(WindowsText, ComparesBeginningsAsFileNamesAreCompared) {
 }
 
 TEST(WindowsThreadDescription, IsSeenFromAnotherThread) {
-    std::latch named(1);
-    std::latch read(1);
+    tarn::testing::Signal named;
+    tarn::testing::Signal read;
     std::uint32_t id = 0;
     std::thread thread([&] {
         setThreadDescription("RootLogger 会議");
         id = threadId();
-        named.count_down();
+        named.set();
         read.wait();
     });
     named.wait();
     EXPECT_EQ(getThreadDescription(id), "RootLogger 会議");
     EXPECT_NE(getThreadDescription(threadId()), "RootLogger 会議");
-    read.count_down();
+    read.set();
     thread.join();
     EXPECT_EQ(getThreadDescription(0xFFFFFFFC), "") << "no such thread";
 }
