@@ -1,12 +1,12 @@
 #include "logging/ZipFolder.h"
 
 #include "logging/LogCall.h"
+#include "logging/ZipEntryNames.h"
 #include "logging/ZipWriter.h"
 #include "platform/Files.h"
 #include "utils/FileNames.h"
 #include "utils/FileUtils.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <fstream>
@@ -24,18 +24,12 @@ ZipResult reported(const std::string& text) {
     return {.level = RootLoggerLevel::Error, .errorCode = error, .text = text};
 }
 
-std::string entryName(const std::string& file, const std::string& prefix, std::size_t rootLength) {
-    std::string name = file.substr(rootLength);
-    std::ranges::replace_if(name, fileNames::isSeparator, '/');
-    return prefix + name;
-}
-
 class FolderZip {
 public:
     FolderZip(std::string folder, std::string outputFile, bool ignoreRoot)
         : mFolder(std::move(folder)),
           mOutputFile(std::move(outputFile)),
-          mPrefix(ignoreRoot ? "" : fileNames::nameOf(mFolder) + "/") {}
+          mNames(ignoreRoot ? "" : fileNames::nameOf(mFolder)) {}
 
     ZipResult run() {
         std::ofstream output;
@@ -68,7 +62,7 @@ private:
         const std::size_t rootLength = mFiles.joinPath(mFolder, "").size();
         TARN_LOG(RootLoggerLevel::Debug, "Adding to zip : " << mFolder);
         for (const std::string& file : files) {
-            if (!add(zip, file, entryName(file, mPrefix, rootLength))) {
+            if (!add(zip, file, mNames.next(file.substr(rootLength)))) {
                 return reported("Failed to add: " + file);
             }
         }
@@ -119,7 +113,7 @@ private:
     const FileUtils mFiles;
     const std::string mFolder;
     const std::string mOutputFile;
-    const std::string mPrefix;
+    ZipEntryNames mNames;
     std::size_t mCount = 0;
 };
 

@@ -1,7 +1,6 @@
 #include "logging/ZipWriter.h"
 
 #include "platform/LocalTime.h"
-#include "platform/Text.h"
 
 #include <array>
 #include <limits>
@@ -110,13 +109,11 @@ bool ZipWriter::add(const std::string& name, std::istream& content, std::uint64_
     info.external_fa = kRegularFile;
     const auto extra = exactTime(modified);
     const auto extraSize = static_cast<uInt>(extra.size());
-    // Names that are not UTF-8, which Linux allows, may not be flagged as such.
-    const std::string utf8Name = platform::toUtf8(platform::toWide(name));
-    if (utf8Name.size() > std::numeric_limits<std::uint16_t>::max() ||
-        zipOpenNewFileInZip4_64(mZip, utf8Name.c_str(), &info, extra.data(), extraSize,
-                                extra.data(), extraSize, nullptr, Z_DEFLATED, Z_DEFAULT_COMPRESSION,
-                                0, -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0,
-                                kMadeBy, kUtf8Names, size >= kZip64From ? 1 : 0) != ZIP_OK) {
+    if (name.size() > std::numeric_limits<std::uint16_t>::max() ||
+        zipOpenNewFileInZip4_64(mZip, name.c_str(), &info, extra.data(), extraSize, extra.data(),
+                                extraSize, nullptr, Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0,
+                                -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, kMadeBy,
+                                kUtf8Names, size >= kZip64From ? 1 : 0) != ZIP_OK) {
         return false;
     }
     const bool written = writeContent(content);

@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// Writes a zip archive onto a seekable stream, through minizip. Entries are deflated; their names
-/// are UTF-8 and carry the flag that says so. Not thread-safe.
+/// Writes a zip archive onto a seekable stream, through minizip. Entries are deflated; their names,
+/// which ZipEntryNames makes, carry the flag that says that they are UTF-8. Not thread-safe.
 class ZipWriter {
 public:
     explicit ZipWriter(std::ostream& output);

@@ -1,6 +1,7 @@
 #include "logging/ArchiveQueue.h"
 #include "logging/FileLoggerFixture.h"
 #include "logging/LogArchive.h"
+#include "logging/ZipEntryNames.h"
 #include "logging/ZipWriter.h"
 #include "platform/Files.h"
 #include "support/HookedLog.h"
@@ -182,6 +183,20 @@ TEST_F(LogArchiveTest, ReplacesNothingAndLeavesNothingWhenZippingFails) {
     EXPECT_THAT(log.lines(), Contains("<Error> opening file stream: " + archive.path() +
                                       ", errorCode: " + std::to_string(result.errorCode)));
     EXPECT_FALSE(files->exists(archive.path()) || hasWorkFolder());
+}
+
+TEST_F(LogArchiveTest, KeepsNamesOfEntriesInsideTheFolderOnAnySystem) {
+    ZipEntryNames names("");
+    for (const auto& [path, name] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"a/../b", "a/__/b"},
+             {"/etc/./x", "etc/x"},
+             {"C:x", "C_x"},
+             {"a.b/\xFF.txt", "a.b/\xEF\xBF\xBD.txt"},
+             {"a.b/\xFE.txt", "a.b/\xEF\xBF\xBD(1).txt"}}) {
+        EXPECT_EQ(names.next(path), name);
+    }
+    EXPECT_EQ(ZipEntryNames("..").next("..\\up"),
+              files->pathSeparator() == "/" ? "__/.._up" : "__/__/up");
 }
 
 TEST_F(LogArchiveTest, NamesEntriesByTheirPathWithForwardSlashes) {
