@@ -4,6 +4,7 @@
 #include "engine/core/Converter.h"
 #include "engine/core/JobRegistry.h"
 #include "engine/core/Trace.h"
+#include "engine/platform/OsPath.h"
 #include "zel/EngineContract.h"
 
 #include <memory>
@@ -11,6 +12,12 @@
 #include <vector>
 
 namespace {
+
+// From its loading on, before anybody has called it: the two faces' unload hooks already make what
+// is leaked here, and the threads of conversions may outlive every handle.
+const struct Pin {
+    Pin() { zelcore::pinThisLibrary(); }
+} pin;
 
 /// The instances: the contract has no release, they end with mediaconverter.
 struct Converters {

@@ -16,12 +16,8 @@ JobRegistry& JobRegistry::instance() {
 }
 
 bool JobRegistry::start(const std::shared_ptr<ConversionJob>& job) {
-    static const bool isPrepared = [] {
-        pinThisLibrary();
-        traceFfmpeg();
-        return true;
-    }();
-    static_cast<void>(isPrepared);
+    static std::once_flag isTracing;
+    std::call_once(isTracing, traceFfmpeg);
     std::unique_lock lock(mMutex);
     mRunning.push_back({job, {}});
     try {

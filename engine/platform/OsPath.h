@@ -32,7 +32,7 @@ std::vector<std::string> namesIn(const std::string& folder, const std::string& p
 std::uint32_t currentProcessId();
 /// Names the calling thread for debuggers, and keeps the program's signals away from it.
 void prepareEngineThread(const char* name);
-/// Keeps this library in memory until the process ends: its threads may outlive every handle.
+/// Keeps this library in memory until the process ends. Safe while it is being loaded.
 void pinThisLibrary();
 
 } // namespace zelcore

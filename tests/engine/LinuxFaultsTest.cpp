@@ -205,6 +205,7 @@ TEST_F(LinuxFaults, TheLibrariesExportTheContractAloneAndAreReallyUnloaded) {
     EXPECT_FALSE(isMapped("libmediaconverter.so"));
     EXPECT_FALSE(isMapped("libzelclient.so"));
 #endif
+    EXPECT_TRUE(isMapped("libzelcore.so")) << "a conversion's thread may still be in it";
 }
 
 } // namespace zelcore::testing
