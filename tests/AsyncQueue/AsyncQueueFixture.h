@@ -64,7 +64,7 @@ protected:
         return texts;
     }
 
-    testing::RecordingLogHook mLog;
+    testing::RecordingLogHook mLog{testing::noteErrorLine};
     std::mutex mMutex;
     std::vector<std::string> mNotes;
     testing::Signal mMayGoOn;

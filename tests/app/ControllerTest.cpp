@@ -78,7 +78,7 @@ protected:
         return QTest::qWaitFor([this] { return !linesOf("start exit timer").empty(); });
     }
 
-    RecordingLogHook log;
+    RecordingLogHook log{tarn::testing::noteErrorLine};
     tarn::testing::TemporaryFolder folder;
     std::string destination = folder / "mee ting.mp4";
     QTranslator translator;

@@ -107,7 +107,7 @@ TEST_F(QtEnvironment, IsLoggedInOneLineAfterItWasCleared) {
 }
 
 TEST(QtMessageHandler, LogsWhatTheContextHoldsAtTheLevelOfTheType) {
-    RecordingLogHook log;
+    RecordingLogHook log{tarn::testing::noteErrorLine};
     expectErrorLine("critical");
     expectErrorLine("fatal");
     qtMessageHandler(QtDebugMsg, QMessageLogContext("a.cpp", 12, "f()", "qml"), "grün");
@@ -121,7 +121,7 @@ TEST(QtMessageHandler, LogsWhatTheContextHoldsAtTheLevelOfTheType) {
 }
 
 TEST(RunApplication, TurnsAnyExceptionIntoOneErrorLineAndMinusOne) {
-    RecordingLogHook log;
+    RecordingLogHook log{tarn::testing::noteErrorLine};
     expectErrorLine("unexpected error happen!");
     EntryContext context;
     context.converterLog = std::make_shared<FailingLog>();

@@ -1,7 +1,7 @@
 #include "loader/LibraryLoader.h"
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -37,7 +37,7 @@ protected:
     }
 
     const testing::TemporaryFolder folder;
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
     const std::string plain = platform::libraryFileName("loader_plain");
     const std::string dependent = platform::libraryFileName("loader_dependent");
 
@@ -88,7 +88,7 @@ TEST_F(LibraryLoader, NeverLoadsFromARelativeOrEmptyFolder) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(LOADER_LIBRARIES);
     for (const std::string from : {"", ".", "../loader-libraries"}) {
-        log.lines().clear();
+        log.clear();
         EXPECT_EQ(load(plain, from), nullptr) << from;
         EXPECT_THAT(log.lines(), ElementsAre("<Debug> Load " + plain + ", exists: false, size: -1",
                                              "<Warn> Refused to load " + plain + " from '" + from +

@@ -1,7 +1,7 @@
 #include "logging/FileLoggerFixture.h"
 #include "logging/SessionHeader.h"
 #include "logging/SettingsTable.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 
 namespace tarn {
 namespace {
@@ -185,7 +185,7 @@ TEST_F(FileLoggerTest, ResumesByItselfWithALineWhenTheRetryIntervalIsOver) {
 }
 
 TEST_F(FileLoggerTest, LosesNoLineWhenTheOlderFileCannotBeReplaced) {
-    const testing::HookedLog hooked;
+    const testing::RecordingLogHook hooked;
     const auto logger = startLogger();
     files->mkdirIfNotExistsRecursive(path("current_log1.txt"));
     folder.write("Logs/current_log1.txt/in the way", "");

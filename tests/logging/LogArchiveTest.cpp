@@ -4,7 +4,7 @@
 #include "logging/ZipEntryNames.h"
 #include "logging/ZipWriter.h"
 #include "platform/Files.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 
 #include <future>
 #include <unzip.h>
@@ -64,7 +64,7 @@ protected:
     const std::string destination = folder.makeFolder("Ziel – 保存");
     const std::string ascii = folder.makeFolder("to");
     const std::shared_ptr<FileLogger> logger = makeLogger();
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
 };
 
 TEST_F(LogArchiveTest, ArchivesFilesWithItsLinesInOrder) {
@@ -156,14 +156,14 @@ TEST_F(LogArchiveTest, EndsWithOneErrorLineWhenTheDestinationIsNoFolder) {
     const auto list = makeLogs();
     for (const std::string& place :
          {folder / "absent", folder.write("file", "kept"), std::string()}) {
-        log.lines().clear();
+        log.clear();
         logger->archiveLogs(files, place, list);
         EXPECT_THAT(log.lines(), ElementsAre("<Debug> Starting log archiving.",
                                              StartsWith("<Error> Log archive failed, with "
                                                         "exception: ")));
     }
     EXPECT_EQ(testing::readFile(folder / "file"), "kept");
-    log.lines().clear();
+    log.clear();
     logger->archiveLogs(files, destination, {{"a.txt", folder / "absent"}});
     EXPECT_EQ(log.lines().back(),
               "<Error> Log archive failed, with exception: none of the files "

@@ -1,4 +1,4 @@
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -75,7 +75,7 @@ TEST_F(FileContents, ReadsAndWritesBytes) {
 }
 
 TEST_F(FileContents, ReportsWhatCannotBeReadOrWritten) {
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
     for (const std::string& path : {folder / "absent", folder.path(), std::string()}) {
         EXPECT_EQ(files.readFirstLine(path), "");
         EXPECT_EQ(files.readLastLine(path), "");

@@ -1,6 +1,6 @@
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -103,13 +103,13 @@ TEST_F(FileUtilsTest, MakesFoldersWithTheirParents) {
 }
 
 TEST_F(FileUtilsTest, LogsWhyARenamingFailed) {
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
     std::string reason;
     EXPECT_FALSE(files.renameWithMessage(folder / "a", folder / "b", &reason));
     EXPECT_FALSE(reason.empty());
     EXPECT_THAT(log.lines(), ElementsAre("<Error> Could not rename '" + folder / "a" + "' to '" +
                                          folder / "b" + "'.  errno was 2"));
-    EXPECT_THAT(log.functions(), ElementsAre("FileUtils::renameWithMessage"));
+    EXPECT_EQ(log.records().back().function, "FileUtils::renameWithMessage");
     folder.write("a", "x");
     EXPECT_TRUE(files.renameWithMessage(folder / "a", folder / kName));
     EXPECT_EQ(testing::readFile(folder / kName), "x");

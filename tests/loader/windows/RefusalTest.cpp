@@ -1,7 +1,7 @@
 #include "loader/AcceptedSigners.h"
 #include "loader/FakePolicySources.h"
 #include "loader/LibraryLoader.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 TEST(LibraryLoaderOnWindows, NeverLoadsARefusedFileFromItsFolder) {
     const testing::TemporaryFolder folder;
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
     const std::string name = platform::libraryFileName("loader_plain");
     testing::FakePolicySources machine;
     machine.localData = folder.path();

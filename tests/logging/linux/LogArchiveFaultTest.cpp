@@ -2,7 +2,7 @@
 #include "logging/LogArchive.h"
 #include "logging/ZipWriter.h"
 #include "platform/Files.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/linux/FileSizeLimit.h"
 
 #include <sys/stat.h>
@@ -16,7 +16,7 @@ using ::testing::StartsWith;
 
 class LogArchiveFault : public testing::FileLoggerFixture {
 protected:
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
 };
 
 TEST_F(LogArchiveFault, LeavesNoArchiveWhenTheDiskIsFull) {

@@ -3,7 +3,7 @@
 #include "platform/Library.h"
 #include "platform/Text.h"
 #include "platform/Wildcard.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -102,7 +102,7 @@ TEST(LinuxKnownFolders, FollowTheEnvironmentWhenItIsAbsolute) {
 
 TEST(LinuxLibrary, TellsWhyAFileDoesNotLoad) {
     const TemporaryFolder folder;
-    const testing::HookedLog log;
+    const testing::RecordingLogHook log;
     const auto errorOf = [](const std::string& path) {
         EXPECT_EQ(loadWithAlteredSearchPath(toWide(path)), nullptr);
         return static_cast<int>(lastError());

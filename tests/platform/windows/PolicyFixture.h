@@ -5,7 +5,7 @@
 #include "platform/KnownFolders.h"
 #include "platform/windows/ProgramFolder.h"
 #include "platform/windows/RegistrySandbox.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -36,7 +36,7 @@ protected:
                                          folder + "\\neighbour.dll"));
     }
     static bool loads(const std::string& folder) {
-        mLog->lines().clear();
+        mLog->clear();
         LibraryHandle library = loadLibrary(L"neighbour.dll", platform::toWide(folder));
         return library != nullptr && platform::unload(library);
     }
@@ -44,7 +44,7 @@ protected:
     const RegistrySandbox mRegistry;
     const testing::TemporaryFolder mInstalled;
     const testing::TemporaryFolder mElsewhere;
-    static inline testing::HookedLog* mLog = new testing::HookedLog;
+    static inline testing::RecordingLogHook* mLog = new testing::RecordingLogHook;
 };
 
 } // namespace tarn::loader

@@ -4,7 +4,7 @@
 #include "platform/Text.h"
 #include "platform/ThreadDescription.h"
 #include "platform/windows/Kernel32.h"
-#include "support/HookedLog.h"
+#include "support/RecordingLogHook.h"
 #include "support/Signal.h"
 
 #include <gmock/gmock.h>
