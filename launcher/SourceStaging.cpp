@@ -75,7 +75,7 @@ bool SourceStaging::stage(const std::string& source, const std::string& destinat
 
 std::string SourceStaging::makeFolderIn(const std::string& parent) {
     const tarn::FileUtils files;
-    const std::string folder =
+    std::string folder =
         files.joinPath(parent, folderPrefix() + std::to_string(tarn::platform::processId()));
     if (std::ranges::find(mFolders, folder) != mFolders.end()) {
         return folder;

@@ -3,13 +3,14 @@
 # Usage: scripts/test.sh [STAGE...]
 #   dev      Linux build, all tests            asan     address and undefined-behaviour sanitizers
 #   tsan     thread sanitizer, without Qt      windows  MinGW-w64 build, tests under Wine
+#   fuzz     each fuzzing program for 10 s     lint     static checks, see scripts/lint.sh
 #   linux    dev                               sanitizers  asan and tsan
-#   lint     static checks                     (none)   linux and windows
+#   (none)   linux, lint, fuzz and windows
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 stages=("$@")
-[ ${#stages[@]} -gt 0 ] || stages=(linux windows)
+[ ${#stages[@]} -gt 0 ] || stages=(linux lint fuzz windows)
 
 scripts/setup.sh build test
 mkdir -p build
@@ -39,7 +40,14 @@ run_preset() {
 run_lint() {
     echo
     echo "== lint"
-    scripts/lint.sh
+    # clang-tidy over the tests alone takes longer than all else here together.
+    scripts/lint.sh format shell waits cppcheck tidy
+}
+
+run_fuzz() {
+    echo
+    echo "== fuzz"
+    scripts/fuzz.sh 10
 }
 
 for stage in "${stages[@]}"; do
@@ -50,6 +58,7 @@ for stage in "${stages[@]}"; do
             run_preset tsan
             ;;
         lint) run_lint ;;
+        fuzz) run_fuzz ;;
         dev | asan | tsan) run_preset "$stage" ;;
         windows)
             scripts/setup.sh windows
@@ -57,7 +66,7 @@ for stage in "${stages[@]}"; do
             run_preset windows "-DRECORD_CONVERTER_WINDOWS_PREFIX=$prefix"
             ;;
         *)
-            echo "test.sh: no stage named '$stage' (dev, linux, asan, tsan, sanitizers, windows, lint)" >&2
+            echo "test.sh: no stage named '$stage' (dev, linux, asan, tsan, sanitizers, windows, lint, fuzz)" >&2
             exit 2
             ;;
     esac

@@ -90,7 +90,7 @@ bool RootLogger::isEnabled(RootLoggerLevel::Level level) const noexcept {
     return mLevels.isEnabled(level);
 }
 
-void RootLogger::log(std::string message, RootLoggerLevel::Level level, std::int32_t line,
+void RootLogger::log(const std::string& message, RootLoggerLevel::Level level, std::int32_t line,
                      std::string_view file, std::string_view function,
                      std::string_view tag) noexcept {
     try {
@@ -108,7 +108,7 @@ void RootLogger::capture(std::string_view message, RootLoggerLevel::Level level,
     }
     static const std::string& taskName = *new std::string("doLog"); // threads log at exit, too
     auto record = std::make_unique<LogRecord>();
-    record->capture(std::move(message), level, line, file, function, tag);
+    record->capture(message, level, line, file, function, tag);
     mQueue->post(taskName, TaskFunction([this, record = std::move(record)]() mutable {
                      mOutput->write(*record);
                  }),
