@@ -16,8 +16,8 @@ namespace tarn::testing {
 /// Loggers in a folder of their own, with the smallest size limit (500,000 bytes).
 class FileLoggerFixture : public ::testing::Test {
 protected:
-    static constexpr auto kNever = std::chrono::hours(24);
-    static constexpr auto kAtOnce = std::chrono::hours(0);
+    static constexpr std::chrono::hours kNever{24};
+    static constexpr std::chrono::hours kAtOnce{0};
 
     std::shared_ptr<FileLogger> makeLogger(std::chrono::milliseconds retryInterval = kNever,
                                            bool keepWhileFailed = true) const {
@@ -47,6 +47,14 @@ protected:
             lines += numbered(number) + '\n';
         }
         return lines;
+    }
+    /// Bytes that nothing can compress.
+    static std::string noise(std::size_t size) {
+        std::string bytes;
+        for (unsigned state = 1; bytes.size() < size; state = state * 1664525U + 1013904223U) {
+            bytes.push_back(static_cast<char>(state >> 24U));
+        }
+        return bytes;
     }
     std::string path(const std::string& name) const { return files->joinPath(logs, name); }
     std::string content(const std::string& name) const { return readFile(path(name)); }

@@ -22,37 +22,23 @@ TEST_F(FileLoggerTest, PutsThePreviousRunAside) {
         EXPECT_EQ(content("current_log.txt"), run + " run\n\n");
     }
     EXPECT_EQ(content("last_run_current_log.txt"), "second run\n\n");
-    const auto logger = startLogger();
-    EXPECT_EQ(content("current_log.txt"), "");
-    EXPECT_EQ(content("last_run_current_log.txt"), "third run\n\n");
-}
-
-TEST_F(FileLoggerTest, MovesTheFilesOfARunInOrder) {
-    class RecordingFiles : public FileUtils {
-    public:
-        bool remove(const std::string& file) const override {
-            calls.push_back("remove " + fileNameOfPath(file));
-            return false;
-        }
-        bool rename(const std::string& from, const std::string& to) const override {
-            calls.push_back("rename " + fileNameOfPath(from) + " " + fileNameOfPath(to));
-            return false;
-        }
-        mutable std::vector<std::string> calls;
+    // Everything that a run can leave, under the name that it has in the next one.
+    const std::pair<std::string, std::string> moves[] = {
+        {"current_log.txt", "last_run_current_log.txt"},
+        {"current_log1.txt", "last_run_current_log1.txt"},
+        {"current_log_header.txt", "last_run_current_log_header.txt"},
+        {"cout_current_log.txt", "cout_last_run_current_log.txt"},
+        {"cout_prev_log.txt", "cout_last_run_prev_log.txt"},
     };
-    const auto recording = std::make_shared<RecordingFiles>();
-    std::make_shared<FileLogger>(logs, 1, recording, nullptr, true)->start(true);
-    EXPECT_THAT(recording->calls,
-                ElementsAre("remove last_run_current_log.txt",
-                            "rename current_log.txt last_run_current_log.txt",
-                            "remove last_run_current_log1.txt",
-                            "rename current_log1.txt last_run_current_log1.txt",
-                            "remove last_run_current_log_header.txt",
-                            "rename current_log_header.txt last_run_current_log_header.txt",
-                            "remove cout_last_run_current_log.txt",
-                            "rename cout_current_log.txt cout_last_run_current_log.txt",
-                            "remove cout_last_run_prev_log.txt",
-                            "rename cout_prev_log.txt cout_last_run_prev_log.txt"));
+    for (const auto& [from, to] : moves) {
+        folder.write("Logs/" + from, from);
+        folder.write("Logs/" + to, "of the run before");
+    }
+    const auto logger = startLogger();
+    for (const auto& [from, to] : moves) {
+        EXPECT_EQ(content(to), from);
+        EXPECT_EQ(files->exists(path(from)), from == "current_log.txt");
+    }
 }
 
 TEST_F(FileLoggerTest, ContinuesTheCurrentFileWhenNothingIsMoved) {
@@ -114,16 +100,6 @@ TEST_F(FileLoggerTest, FillsAShortSessionHeaderWithZeroes) {
     EXPECT_EQ(files->getFileSize(folder / "other"), 80'038);
 }
 
-TEST_F(FileLoggerTest, NamesItsFilesAfterTheCurrentOne) {
-    const auto logger = makeLogger();
-    EXPECT_EQ(logger->getLogFiles(), path("current_log.txt") + ";" + path("current_log1.txt"));
-    const LogFileNames renamed("D:\\logs\\", "run.log");
-    EXPECT_EQ(renamed.older, "D:\\logs\\run.log1.txt");
-    EXPECT_EQ(renamed.lastRunCurrent, "D:\\logs\\last_run_run.log");
-    EXPECT_EQ(renamed.lastRunOlder, "D:\\logs\\last_run_run.log1.txt");
-    EXPECT_EQ(renamed.header, "D:\\logs\\current_log_header.txt");
-}
-
 TEST_F(FileLoggerTest, ClearsEveryFileOfItsOwn) {
     const auto logger = startLogger();
     for (const std::string& file :
@@ -156,32 +132,23 @@ TEST_F(FileLoggerTest, KeepsTheNewestFiveThousandLinesUntilTheFolderCanBeWritten
     EXPECT_EQ(content("current_log1.txt") + content("current_log.txt"), numberedLines(1, 5002));
 }
 
-TEST_F(FileLoggerTest, ResumesByItselfWhenFlushed) {
-    ASSERT_TRUE(files->removeEmptyDir(logs));
-    folder.write("Logs", "");
-    CaptureStderr();
-    const auto logger = startLogger();
-    GetCapturedStderr();
-    log(*logger, "early");
-    ASSERT_TRUE(files->remove(logs));
-    log(*logger, "late");
-    EXPECT_FALSE(files->exists(logs)); // the retry interval is not over
-    logger->flush();
-    EXPECT_EQ(content("current_log.txt"), "early\nlate\n");
-}
-
-TEST_F(FileLoggerTest, ResumesByItselfWithALineWhenTheRetryIntervalIsOver) {
-    ASSERT_TRUE(files->removeEmptyDir(logs));
-    folder.write("Logs", "");
-    CaptureStderr();
-    const auto logger = makeLogger(kAtOnce);
-    logger->start(true);
-    log(*logger, "early");
-    // Retries are silent: one report for one failure.
-    EXPECT_EQ(GetCapturedStderr(), "Failed to open log file at :" + path("current_log.txt") + "\n");
-    ASSERT_TRUE(files->remove(logs));
-    log(*logger, "late");
-    EXPECT_EQ(content("current_log.txt"), "early\nlate\n");
+TEST_F(FileLoggerTest, ResumesByItselfWhenFlushedOrWithALineWhenTheRetryIntervalIsOver) {
+    for (const auto interval : {kNever, kAtOnce}) {
+        ASSERT_TRUE(files->removeNonEmptyDir(logs));
+        folder.write("Logs", "");
+        CaptureStderr();
+        const auto logger = makeLogger(interval);
+        logger->start(true);
+        log(*logger, "early");
+        // Retries are silent: one report for one failure.
+        EXPECT_EQ(GetCapturedStderr(),
+                  "Failed to open log file at :" + path("current_log.txt") + "\n");
+        ASSERT_TRUE(files->remove(logs));
+        log(*logger, "late");
+        EXPECT_EQ(files->exists(logs), interval == kAtOnce);
+        logger->flush();
+        EXPECT_EQ(content("current_log.txt"), "early\nlate\n");
+    }
 }
 
 TEST_F(FileLoggerTest, LosesNoLineWhenTheOlderFileCannotBeReplaced) {

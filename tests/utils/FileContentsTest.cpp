@@ -14,37 +14,37 @@ using Bytes = std::vector<std::uint8_t>;
 
 class FileContents : public ::testing::Test {
 protected:
-    std::string lastLineOf(const std::string& content) const {
-        return files.readLastLine(folder.write("file", content));
-    }
-
     const FileUtils files{};
     const testing::TemporaryFolder folder;
 };
 
 TEST_F(FileContents, ReadsLinesByNumber) {
     const std::string file = folder.write("lines – 行", "first\r\nsecond\n\nlast");
+    const std::vector<std::string> lines{"first", "second", "", "last"};
+    EXPECT_EQ(files.readAllLines(file), lines);
     EXPECT_EQ(files.readFirstLine(file), "first");
-    EXPECT_EQ(files.readSpecifiedLine(file, 0), "first");
-    EXPECT_EQ(files.readSpecifiedLine(file, 1), "second");
-    EXPECT_EQ(files.readSpecifiedLine(file, 2), "");
-    EXPECT_EQ(files.readSpecifiedLine(file, 3), "last");
-    EXPECT_EQ(files.readSpecifiedLine(file, 4), "");
-    EXPECT_THAT(files.readAllLines(file), ElementsAre("first", "second", "", "last"));
+    for (std::size_t number = 0; number < lines.size(); ++number) {
+        EXPECT_EQ(files.readSpecifiedLine(file, number), lines[number]);
+    }
+    EXPECT_EQ(files.readSpecifiedLine(file, lines.size()), "");
 }
 
-TEST_F(FileContents, ReadsTheLastLine) {
-    EXPECT_EQ(lastLineOf("one\ntwo\nthree\n"), "three");
-    EXPECT_EQ(lastLineOf("one\r\ntwo\r\n"), "two");
-    EXPECT_EQ(lastLineOf("one\nb\n"), "b");
-    EXPECT_EQ(lastLineOf("one\nlonger"), "longer");
-    EXPECT_EQ(lastLineOf("one\n" + std::string(200'000, 'x') + "\n"), std::string(200'000, 'x'));
-    EXPECT_EQ(lastLineOf("\nab"), "ab");
-}
-
-TEST_F(FileContents, FindsNoLastLineInAFileOfOne) {
-    for (const char* content : {"", "\r\n", "a", "ab\n", "only one", "only one\n"}) {
-        EXPECT_EQ(lastLineOf(content), "") << content;
+TEST_F(FileContents, ReadsTheLastLineButNoneOfAFileOfOne) {
+    const std::string longest(200'000, 'x');
+    for (const auto& [content, last] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"one\ntwo\nthree\n", "three"},
+             {"one\r\ntwo\r\n", "two"},
+             {"one\nb\n", "b"},
+             {"one\nlonger", "longer"},
+             {"one\n" + longest + "\n", longest},
+             {"\nab", "ab"},
+             {"", ""},
+             {"\r\n", ""},
+             {"a", ""},
+             {"ab\n", ""},
+             {"only one", ""},
+             {"only one\n", ""}}) {
+        EXPECT_EQ(files.readLastLine(folder.write("file", content)), last) << content.substr(0, 99);
     }
 }
 

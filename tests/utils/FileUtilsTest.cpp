@@ -206,27 +206,24 @@ TEST_F(FileUtilsTest, CopiesAndMovesFolderTrees) {
     EXPECT_FALSE(files.exists(in("tree")));
 }
 
-TEST_F(FileUtilsTest, NumbersADownloadUntilItsNameIsFree) {
+TEST_F(FileUtilsTest, NumbersADownloadUntilItsNameIsFreeOrNinetyNineAreTaken) {
     const std::string prefix = folder.path() + platform::pathSeparator();
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "a:b.mp4"), prefix + "a_b.mp4");
+    const auto unique = [&](const std::string& name, bool cutsIdentifiers = false) {
+        return files.getUniqueDownloadPath(prefix, name, cutsIdentifiers).substr(prefix.size());
+    };
+    EXPECT_EQ(unique("a:b.mp4"), "a_b.mp4");
     folder.write("a_b.mp4", "");
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "a:b.mp4"), prefix + "a_b(1).mp4");
     folder.write(".profile", "");
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, ".profile"), prefix + ".profile(1)");
+    EXPECT_EQ(unique(".profile"), ".profile(1)");
     const std::string withIdentifier = "a_b_01234567-0123-0123-0123-0123456789ab.mp4";
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, true), prefix + "a_b(1).mp4");
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, false), prefix + withIdentifier);
-}
-
-TEST_F(FileUtilsTest, ReturnsTheUnnumberedNameWhenNinetyNineAreTaken) {
-    const std::string prefix = folder.path() + platform::pathSeparator();
-    folder.write("n.txt", "");
-    for (int number = 1; number <= 97; ++number) {
-        folder.write("n(" + std::to_string(number) + ").txt", "");
+    EXPECT_EQ(unique(withIdentifier, true), "a_b(1).mp4");
+    EXPECT_EQ(unique(withIdentifier, false), withIdentifier);
+    for (int number = 1; number <= 98; ++number) {
+        const std::string next = "a_b(" + std::to_string(number) + ").mp4";
+        EXPECT_EQ(unique("a:b.mp4"), next);
+        folder.write(next, "");
     }
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "n.txt"), prefix + "n(98).txt");
-    folder.write("n(98).txt", "");
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, "n.txt"), prefix + "n.txt");
+    EXPECT_EQ(unique("a:b.mp4"), "a_b.mp4");
 }
 
 TEST_F(FileUtilsTest, RecognisesASecondNameOfAFile) {
