@@ -15,39 +15,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-struct Pipe {
-    std::array<int, 2> ends{-1, -1};
-    std::string text;
-
-    Pipe() {
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe");
-        }
-    }
-    ~Pipe() {
-        closeEnd(0);
-        closeEnd(1);
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-
-    void closeEnd(std::size_t end) {
-        if (ends[end] >= 0) {
-            close(ends[end]);
-            ends[end] = -1;
-        }
-    }
-    void read() {
-        std::array<char, 4096> buffer{};
-        const ssize_t size = ::read(ends[0], buffer.data(), buffer.size());
-        if (size > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(size));
-        } else {
-            closeEnd(0);
-        }
-    }
-};
-
 std::vector<std::string> environmentOf(const Process::Start& start) {
     std::vector<std::string> result;
     for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -74,6 +41,39 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 } // namespace
 
 struct Process::Implementation {
+    struct Pipe {
+        std::array<int, 2> ends{-1, -1};
+        std::string text;
+
+        Pipe() {
+            if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+                throw std::runtime_error("no pipe");
+            }
+        }
+        ~Pipe() {
+            closeEnd(0);
+            closeEnd(1);
+        }
+        Pipe(const Pipe&) = delete;
+        Pipe& operator=(const Pipe&) = delete;
+
+        void closeEnd(std::size_t end) {
+            if (ends[end] >= 0) {
+                close(ends[end]);
+                ends[end] = -1;
+            }
+        }
+        void read() {
+            std::array<char, 4096> buffer{};
+            const ssize_t size = ::read(ends[0], buffer.data(), buffer.size());
+            if (size > 0) {
+                text.append(buffer.data(), static_cast<std::size_t>(size));
+            } else {
+                closeEnd(0);
+            }
+        }
+    };
+
     pid_t pid = -1;
     std::optional<int> status;
     std::array<Pipe, 2> pipes;

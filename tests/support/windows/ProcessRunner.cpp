@@ -58,67 +58,67 @@ std::wstring environmentBlock(const Process::Start& start) {
     return block + L'\0';
 }
 
-/// Reads a pipe on a thread of its own: Windows has no wait on several.
-class Reader {
-public:
-    Reader() {
-        SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-        if (CreatePipe(&mRead, &mWrite, &inheritable, 0) == FALSE) {
-            throw std::runtime_error("no pipe");
-        }
-        SetHandleInformation(mRead, HANDLE_FLAG_INHERIT, 0);
-    }
-    ~Reader() {
-        closeWriteEnd();
-        if (mThread.joinable()) {
-            mThread.join();
-        }
-        CloseHandle(mRead);
-    }
-    Reader(const Reader&) = delete;
-    Reader& operator=(const Reader&) = delete;
-
-    HANDLE writeEnd() const { return mWrite; }
-    void closeWriteEnd() {
-        if (mWrite != nullptr) {
-            CloseHandle(mWrite);
-            mWrite = nullptr;
-        }
-    }
-    void start() {
-        closeWriteEnd();
-        mThread = std::thread([this] {
-            std::array<char, 4096> buffer{};
-            DWORD size = 0;
-            while (ReadFile(mRead, buffer.data(), static_cast<DWORD>(buffer.size()), &size,
-                            nullptr) != FALSE &&
-                   size > 0) {
-                const std::lock_guard lock(mMutex);
-                mText.append(buffer.data(), size);
-            }
-        });
-    }
-    void finish() {
-        if (mThread.joinable()) {
-            mThread.join();
-        }
-    }
-    std::string text() const {
-        const std::lock_guard lock(mMutex);
-        return mText;
-    }
-
-private:
-    HANDLE mRead = nullptr;
-    HANDLE mWrite = nullptr;
-    std::thread mThread;
-    mutable std::mutex mMutex;
-    std::string mText;
-};
-
 } // namespace
 
 struct Process::Implementation {
+    /// Reads a pipe on a thread of its own: Windows has no wait on several.
+    class Reader {
+    public:
+        Reader() {
+            SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+            if (CreatePipe(&mRead, &mWrite, &inheritable, 0) == FALSE) {
+                throw std::runtime_error("no pipe");
+            }
+            SetHandleInformation(mRead, HANDLE_FLAG_INHERIT, 0);
+        }
+        ~Reader() {
+            closeWriteEnd();
+            if (mThread.joinable()) {
+                mThread.join();
+            }
+            CloseHandle(mRead);
+        }
+        Reader(const Reader&) = delete;
+        Reader& operator=(const Reader&) = delete;
+
+        HANDLE writeEnd() const { return mWrite; }
+        void closeWriteEnd() {
+            if (mWrite != nullptr) {
+                CloseHandle(mWrite);
+                mWrite = nullptr;
+            }
+        }
+        void start() {
+            closeWriteEnd();
+            mThread = std::thread([this] {
+                std::array<char, 4096> buffer{};
+                DWORD size = 0;
+                while (ReadFile(mRead, buffer.data(), static_cast<DWORD>(buffer.size()), &size,
+                                nullptr) != FALSE &&
+                       size > 0) {
+                    const std::lock_guard lock(mMutex);
+                    mText.append(buffer.data(), size);
+                }
+            });
+        }
+        void finish() {
+            if (mThread.joinable()) {
+                mThread.join();
+            }
+        }
+        std::string text() const {
+            const std::lock_guard lock(mMutex);
+            return mText;
+        }
+
+    private:
+        HANDLE mRead = nullptr;
+        HANDLE mWrite = nullptr;
+        std::thread mThread;
+        mutable std::mutex mMutex;
+        std::string mText;
+    };
+
     PROCESS_INFORMATION process{};
     Reader output;
     Reader errors;
