@@ -60,6 +60,25 @@ TEST_F(Staging, ASourceThatCanNotBeStagedLeavesNothing) {
     EXPECT_THAT(leftIn(results.path()), IsEmpty());
 }
 
+TEST_F(Staging, CopiesASourceThatCanNotBeLinked) {
+    // Linux: no folder can be made beside this source, and no hard link leads to that file system.
+    const tarn::FileUtils files;
+    const std::string source = "/proc/self/exe";
+    const std::string far = "/dev/shm/staging-" + std::to_string(tarn::platform::processId());
+    if (!files.exists(source) || !files.mkdir(far)) {
+        GTEST_SKIP() << "needs /proc and /dev/shm";
+    }
+    {
+        const SourceStaging staging({source}, far);
+        ASSERT_EQ(staging.paths().size(), 1U);
+        EXPECT_TRUE(staging.paths()[0].starts_with(far));
+        EXPECT_FALSE(files.isSameFile(staging.paths()[0], source));
+        EXPECT_EQ(files.getFileSize(staging.paths()[0]), files.getFileSize(source));
+    }
+    EXPECT_THAT(leftIn(far), IsEmpty());
+    EXPECT_TRUE(files.removeEmptyDir(far));
+}
+
 TEST_F(Staging, ClearsWhatAKilledProcessLeftAndNothingElse) {
     const std::string source = recordings.write("a.mkv", "x");
     const std::string prefix = ".record-converter-sources-";
