@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Makes what the Windows build links besides MinGW's own libraries, and prints the folder it is in:
-# zlib (Debian's libz-mingw-w64-dev), minizip, libx264 and a small static FFmpeg, cross-built from
-# Debian's source packages.
+# zlib (Debian's libz-mingw-w64-dev), minizip, libx264, libdav1d and a small static FFmpeg, cross-built
+# from Debian's source packages.
 #
 # usage: scripts/windows-dependencies.sh [--print-prefix]
 #   --print-prefix   only print the folder, whether or not it has been made
@@ -10,7 +10,7 @@
 # first run pays (two to four minutes on two cores). `cmake --preset windows` finds it by itself;
 # RECORD_CONVERTER_WINDOWS_PREFIX, set in the environment of both, names another one.
 #
-# Needs: g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev nasm make pkg-config.
+# Needs: g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev nasm make meson pkg-config.
 #
 # libx264 makes this FFmpeg, and so the engine's Windows library as built, subject to the GPL, as
 # Debian's own FFmpeg is. RECORD_CONVERTER_X264=0 leaves it out; videos that MP4 cannot carry then
@@ -69,9 +69,10 @@ fetch_source() {
 
 # FFmpeg keeps the configured folder as a text in the library, so that is /opt; the .pc files find
 # themselves.
-install_from_make() {
-    make install DESTDIR="$work/stage"
-    sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L$prefix[^ ]*||g" \
+# install_with COMMAND...: what installs when DESTDIR is set.
+install_with() {
+    DESTDIR=$work/stage "$@"
+    sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L${prefix}[^ ]*||g" \
         "$work"/stage/opt/lib/pkgconfig/*.pc
     cp -r "$work/stage/opt/." "$prefix/"
 }
@@ -103,15 +104,33 @@ build_x264() (
         --enable-static --disable-cli --disable-opencl --bit-depth=8 --chroma-format=420 \
         --disable-avs --disable-swscale --disable-lavf --disable-ffms --disable-gpac --disable-lsmash
     make -j"$jobs"
-    install_from_make
+    install_with make install
 )
 
-# Only what recordings are made of. AV1 needs no decoder here: MP4 carries it, so it is copied.
+build_dav1d() (
+    cd "$work/dav1d"
+    cat >cross.txt <<END
+[binaries]
+c = ['$launcher', '$target-gcc-posix']
+ar = '$target-ar'
+strip = '$target-strip'
+[host_machine]
+system = 'windows'
+cpu_family = 'x86_64'
+cpu = 'x86_64'
+endian = 'little'
+END
+    meson setup build --cross-file cross.txt --prefix=/opt --libdir=lib --buildtype=release \
+        --default-library=static -Dbitdepths=8,16 -Denable_tools=false -Denable_tests=false
+    install_with ninja -C build -j"$jobs" install
+)
+
+# Only what recordings are made of. FFmpeg's own AV1 decoder needs the help of a graphics card.
 build_ffmpeg() (
     cd "$work/ffmpeg"
     local demuxers=matroska,mov,flv,live_flv,mpegts,mpegps,avi,asf,ogg,wav,w64,mp3,aac,ac3,flac,h264
-    local decoders=h264,hevc,vp8,vp9,mpeg4,mpeg1video,mpeg2video,h263,flv,mjpeg,theora,vc1,wmv3
-    decoders+=,flashsv,flashsv2,rawvideo,aac,aac_latm,opus,vorbis,mp2,mp3,ac3,eac3,flac,alac
+    local decoders=h264,hevc,vp8,vp9,libdav1d,mpeg4,mpeg1video,mpeg2video,h263,flv,mjpeg,theora
+    decoders+=,vc1,wmv3,flashsv,flashsv2,rawvideo,aac,aac_latm,opus,vorbis,mp2,mp3,ac3,eac3,flac,alac
     decoders+=,wmav1,wmav2,nellymoser,speex,adpcm_swf,adpcm_ms,adpcm_ima_wav,gsm_ms
     decoders+=,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s32le,pcm_f32le,pcm_f64le,pcm_u8,pcm_s8
     decoders+=,pcm_mulaw,pcm_alaw
@@ -130,11 +149,11 @@ build_ffmpeg() (
         --disable-everything --disable-autodetect --disable-programs --disable-doc \
         --disable-network --disable-avdevice --disable-avfilter --disable-postproc \
         --disable-debug --enable-static --disable-shared --enable-w32threads --enable-zlib \
-        --enable-protocol=file --enable-demuxer=$demuxers --enable-decoder=$decoders \
+        --enable-libdav1d --enable-protocol=file --enable-demuxer=$demuxers --enable-decoder=$decoders \
         --enable-parser=$parsers --enable-bsf=$filters --enable-encoder=$encoders \
         --enable-muxer=mp4,mov,matroska,webm,wav,mpegts,null "${video[@]}"
     make -j"$jobs"
-    install_from_make
+    install_with make install
 )
 
 [ -n "${RECORD_CONVERTER_WINDOWS_PREFIX:-}" ] && { echo "$RECORD_CONVERTER_WINDOWS_PREFIX"; exit 0; }
@@ -145,7 +164,7 @@ if [ "${1:-}" = --print-prefix ] || [ -e "$final/VERSIONS" ]; then
     exit 0
 fi
 [ -e /usr/$target/lib/libz.a ] || fail "no zlib for MinGW: install libz-mingw-w64-dev"
-for tool in dpkg-source nasm make pkg-config; do
+for tool in dpkg-source nasm make meson ninja pkg-config; do
     command -v $tool >/dev/null || fail "$tool is missing"
 done
 
@@ -159,14 +178,14 @@ trap 'rm -rf "$work"' EXIT
 log=$final.log
 prefix=$work/prefix
 jobs=$(nproc)
-launcher=$(command -v ccache || true)
+launcher=$(command -v ccache || echo env)
 export PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig:/usr/$target/lib/pkgconfig
 mkdir -p "$prefix"
 
 say "building for Windows into $final (log: $log)"
 private_apt update >"$log" 2>&1 || fail "cannot read the package sources' index, see $log"
-packages=(minizip ffmpeg)
-[ "$with_x264" = 0 ] || packages=(minizip x264 ffmpeg)
+packages=(minizip dav1d ffmpeg)
+[ "$with_x264" = 0 ] || packages=(minizip x264 dav1d ffmpeg)
 for package in "${packages[@]}"; do
     fetch_source "$package"
     # In the background, because a function called in a condition ignores errexit.
