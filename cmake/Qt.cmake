@@ -30,10 +30,10 @@ if(RECORD_CONVERTER_QT)
 endif()
 
 if(RECORD_CONVERTER_HAS_QT)
-    message(STATUS "Qt ${Qt6_VERSION}: the window is built")
+    message(STATUS "record-converter: Qt ${Qt6_VERSION}: the window is built")
 elseif(RECORD_CONVERTER_QT STREQUAL "ON")
     message(FATAL_ERROR "RECORD_CONVERTER_QT is ON, but ${qt_absent}")
 else()
-    message(STATUS "${qt_absent}: left out are the window (the record-converter library), "
+    message(STATUS "record-converter: ${qt_absent}: left out are the window (the record-converter library), "
                    "its translations and their tests")
 endif()

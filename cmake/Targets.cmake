@@ -50,7 +50,7 @@ endfunction()
 # pkg_check_modules prefers a library's import file; a program that is to need no DLL of MinGW's
 # links the archive beside it.
 function(record_converter_link_archives target)
-    if(MINGW)
+    if(MINGW AND CMAKE_CROSSCOMPILING)
         get_target_property(libraries ${target} INTERFACE_LINK_LIBRARIES)
         list(TRANSFORM libraries REPLACE "\\.dll\\.a$" ".a")
         set_target_properties(${target} PROPERTIES INTERFACE_LINK_LIBRARIES "${libraries}")

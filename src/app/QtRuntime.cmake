@@ -1,16 +1,18 @@
 # Lays what Qt loads at run time into the runtime folder, as it ships: plugins by kind, QML modules
-# under qml/. Links on Linux, where Qt is the system's; copies on Windows, where it is shipped.
+# under qml/. Links to Qt on Linux, where it is the system's; copies on Windows, where it is shipped.
 set(qt_runtime_files)
 
 function(record_converter_lay source target)
     set(placed ${RECORD_CONVERTER_RUNTIME_DIR}/${target})
     get_filename_component(folder ${placed} DIRECTORY)
-    if(NOT WIN32)
+    cmake_path(IS_PREFIX PROJECT_SOURCE_DIR ${source} own)
+    if(NOT WIN32 AND NOT own)
+        set_property(GLOBAL APPEND PROPERTY RECORD_CONVERTER_LINKED ${source})
         set(lay COMMAND ${CMAKE_COMMAND} -E create_symlink ${source} ${placed})
     elseif(IS_DIRECTORY ${source})
         set(lay COMMAND ${CMAKE_COMMAND} -E copy_directory ${source} ${placed})
     else()
-        set(lay COMMAND ${CMAKE_COMMAND} -E copy_if_different ${source} ${placed})
+        set(lay COMMAND ${CMAKE_COMMAND} -E copy ${source} ${placed} DEPENDS ${source})
     endif()
     add_custom_command(OUTPUT ${placed}
         COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
@@ -60,18 +62,9 @@ record_converter_lay_existing(${qml} qml/
 # The overlay that colours the icons; Qt 6 has no module of that name any more.
 if(NOT EXISTS ${qml}/QtGraphicalEffects/qmldir)
     record_converter_lay_existing(${CMAKE_CURRENT_SOURCE_DIR}/qml qml/
-        ${CMAKE_CURRENT_SOURCE_DIR}/qml/QtGraphicalEffects)
+        ${CMAKE_CURRENT_SOURCE_DIR}/qml/QtGraphicalEffects/*)
 else()
     record_converter_lay_existing(${qml} qml/ ${qml}/QtGraphicalEffects)
-endif()
-
-if(WIN32)
-    foreach(library IN ITEMS Core Gui Network OpenGL Qml QmlModels QmlWorkerScript Quick
-                             QuickControls2 QuickControls2Impl QuickLayouts QuickTemplates2 Svg Widgets)
-        if(EXISTS ${RECORD_CONVERTER_QT_BIN}/Qt6${library}.dll)
-            record_converter_lay(${RECORD_CONVERTER_QT_BIN}/Qt6${library}.dll Qt6${library}.dll)
-        endif()
-    endforeach()
 endif()
 
 add_custom_target(record_converter_qt_runtime ALL DEPENDS ${qt_runtime_files})

@@ -1,0 +1,63 @@
+# What `cmake --install` lays out and CPack packs: the launcher in bin/ and beside that the runtime
+# folder, as the build assembled it.
+#   Windows: both, as a zip.
+#   Linux: both below lib/record-converter, with a link to the launcher in the prefix's own bin/, as
+#   a .deb. Qt stays the system's: what the runtime folder links to, the package depends on.
+set(root .)
+set(documents .)
+if(NOT WIN32)
+    include(GNUInstallDirs)
+    set(root lib/record-converter)
+    set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/record-converter)
+    set(link ${PROJECT_BINARY_DIR}/link/record-converter)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/link)
+    file(CREATE_LINK ../${root}/bin/record-converter ${link} SYMBOLIC)
+    install(FILES ${link} DESTINATION bin)
+endif()
+
+set(libraries)
+foreach(target IN ITEMS mediaconverter zelclient zelcore record_converter_product)
+    if(TARGET ${target})
+        list(APPEND libraries ${target})
+    endif()
+endforeach()
+install(TARGETS record-converter RUNTIME DESTINATION ${root}/bin)
+install(TARGETS ${libraries}
+    RUNTIME DESTINATION ${root}/runtime LIBRARY DESTINATION ${root}/runtime)
+# Without the libraries above: those are stripped on their way into a package.
+install(DIRECTORY ${RECORD_CONVERTER_RUNTIME_DIR}/ DESTINATION ${root}/runtime
+    REGEX "/(lib)?(mediaconverter|zelclient|zelcore|record-converter)\\.(so|dll|pdb)$" EXCLUDE)
+install(FILES LICENSE README.md DESTINATION ${documents})
+
+set(CPACK_PACKAGE_NAME record-converter)
+set(CPACK_PACKAGE_VENDOR "the record-converter developers")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+else()
+    set(CPACK_GENERATOR DEB)
+    set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+    set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+    set(CPACK_DEBIAN_PACKAGE_MAINTAINER
+        "${CPACK_PACKAGE_VENDOR} <record-converter@example.invalid>")
+    set(CPACK_DEBIAN_PACKAGE_SECTION video)
+    set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"It copies picture and sound wherever MP4 can carry them, and says in a small
+notice when the recording is ready.")
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${RECORD_CONVERTER_RUNTIME_DIR})
+    # What is loaded by name at run time stands in no library's own list.
+    get_property(linked GLOBAL PROPERTY RECORD_CONVERTER_LINKED)
+    find_program(DPKG_QUERY_PROGRAM dpkg-query)
+    if(linked AND DPKG_QUERY_PROGRAM)
+        execute_process(COMMAND ${DPKG_QUERY_PROGRAM} --search ${linked}
+            OUTPUT_VARIABLE owners ERROR_QUIET)
+        string(REGEX MATCHALL "[a-z0-9.+-]+:[a-z0-9]+[,:] " owners "${owners}")
+        list(TRANSFORM owners REPLACE ":.*" "")
+        list(REMOVE_DUPLICATES owners)
+        list(JOIN owners ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
+    endif()
+endif()
+include(CPack)

@@ -1,0 +1,19 @@
+# Copies into RUNTIME what the DLLs in it need beside them, and what those need in turn, as far as it
+# lies in one of the folders SEARCH; the rest is Windows' own.
+# cmake -DRUNTIME=FOLDER "-DSEARCH=FOLDER;..." "-DLIST=PROGRAM;ARGUMENT" -P PlaceLibraries.cmake
+#   LIST: what names the DLLs that a file needs, `objdump -p` or `dumpbin /dependents`
+file(GLOB_RECURSE waiting ${RUNTIME}/*.dll)
+while(waiting)
+    list(POP_FRONT waiting library)
+    execute_process(COMMAND ${LIST} ${library} OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "[A-Za-z0-9_.+-]+\\.[Dd][Ll][Ll]" needed "${needed}")
+    list(REMOVE_DUPLICATES needed)
+    foreach(name IN LISTS needed)
+        foreach(folder IN LISTS SEARCH)
+            if(EXISTS ${folder}/${name} AND NOT EXISTS ${RUNTIME}/${name})
+                file(COPY ${folder}/${name} DESTINATION ${RUNTIME})
+                list(APPEND waiting ${RUNTIME}/${name})
+            endif()
+        endforeach()
+    endforeach()
+endwhile()
