@@ -9,7 +9,6 @@ namespace e2e {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -21,13 +20,11 @@ protected:
     static std::string unpacked(const std::string& zip, const std::string& name) {
         return tarn::testing::runProcess({{"/usr/bin/unzip", "-p", zip, name}, {}, {}}).output;
     }
-
-    const tarn::FileUtils mFiles;
 };
 
 TEST_F(ArchiveLogs, PacksTheLogsOfThisAndThePreviousRun) {
     const std::string logs = "QuorellTarn/Logs/record-converter/";
-    ASSERT_TRUE(mFiles.mkdirIfNotExistsRecursive(mData / logs));
+    ASSERT_TRUE(tarn::FileUtils().mkdirIfNotExistsRecursive(mData / logs));
     for (const std::string name :
          {"current_log.txt", "current_log1.txt", "last_run_current_log.txt",
           "current_log_header.txt", "foreign.txt"}) {
@@ -36,9 +33,7 @@ TEST_F(ArchiveLogs, PacksTheLogsOfThisAndThePreviousRun) {
     const ProcessResult result = archive(".");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
-    EXPECT_THAT(result.output, StartsWith(mFolder.path() + "/logArchive_"));
-    EXPECT_THAT(result.output, EndsWith(".zip\n"));
-    ASSERT_EQ(filesLeft().size(), 1U);
+    ASSERT_THAT(filesLeft(), ElementsAre(StartsWith("logArchive_")));
     const std::string zip = mFolder / filesLeft().front();
     EXPECT_EQ(result.output, zip + "\n");
     for (const std::string name :
@@ -48,8 +43,6 @@ TEST_F(ArchiveLogs, PacksTheLogsOfThisAndThePreviousRun) {
     EXPECT_THAT(unpacked(zip, "current_log.txt"), StartsWith("content of current_log.txt\n"));
     EXPECT_EQ(unpacked(zip, "foreign.txt"), "");
     EXPECT_EQ(logged("Log archiving finished."), 1);
-    EXPECT_EQ(tarn::testing::readFile(mData / (logs + "last_run_current_log.txt")),
-              "content of last_run_current_log.txt\n");
 }
 
 TEST_F(ArchiveLogs, RefusesWhatIsNoFolder) {
@@ -64,7 +57,6 @@ TEST_F(ArchiveLogs, RefusesWhatIsNoFolder) {
         runProcess(windowCommand({"--archive-logs", ".", "a.mkv", "b.mp4"}));
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, HasSubstr("give no recording with it"));
-    EXPECT_EQ(runProcess(windowCommand({"--archive-logs"})).status, 2);
     EXPECT_THAT(filesLeft(), ElementsAre("file"));
     EXPECT_TRUE(logLines().empty());
 }

@@ -55,10 +55,9 @@ TEST_F(Endings, AFailureKeepsTheSourcesEvenWhenTheyAreToBeDeleted) {
     };
     const std::vector<Case> cases{
         {"whole", "progress 60\nerror 17", "its error 17."},
-        {"whole", "progress nan\nprogress -5\nerror -3", "its error -3."},
+        {"whole", "progress nan\nerror -3", "its error -3."},
         {"whole", "write done\nerror 5\nprogress 100\nerror 6", "its error 5."},
         {"whole", "progress 100", "wrote no destination"},
-        {"whole", "progress inf", "wrote no destination"},
         {"whole", "write \nprogress 100", "wrote no destination"},
         {"whole", "result -100", "did not start"},
         {"whole", "result 0x1000", "did not start"},
@@ -96,44 +95,27 @@ TEST_F(Endings, CtrlCStopsWithinASecondAndLeavesTheSourcesAlone) {
     if (!Process::canInterrupt()) {
         GTEST_SKIP() << "there is no console to interrupt a program on";
     }
-    for (const std::string variant : {"whole", "no-stop"}) {
-        for (const bool deleting : {false, true}) {
-            SCOPED_TRACE(variant + (deleting ? " deleting" : ""));
-            // Whatever it still says once it is asked to stop comes too late.
-            const std::string script =
-                (variant == "no-stop" ? std::string("write part\n") : std::string()) +
-                "progress 20\nhold\nprogress 100";
-            const std::string source = mFolder.write("a.mkv", script);
-            std::vector<std::string> arguments{"--engine-folder", fakeEngineFolder(variant), source,
-                                               mDestination};
-            if (deleting) {
-                arguments.insert(arguments.begin(), "--delete-sources");
-            }
-            Process process(command(arguments));
-            ASSERT_TRUE(process.waitForOutput("20 %"));
-            const auto begin = std::chrono::steady_clock::now();
-            process.interrupt();
-            EXPECT_EQ(process.wait(), 130);
-            EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1500));
-            EXPECT_THAT(process.errors(), HasSubstr("Stopped: nothing was converted"));
-            EXPECT_THAT(filesLeft(), ElementsAre("a.mkv"));
-            EXPECT_EQ(readFile(source), script);
-            EXPECT_EQ(logged("The conversion ends with status 130"), 1);
-        }
-    }
-}
-
-TEST_F(Endings, CtrlCKeepsADestinationThatWasThereBefore) {
-    if (!Process::canInterrupt()) {
-        GTEST_SKIP() << "there is no console to interrupt a program on";
-    }
+    const auto interrupt = [this](const std::string& variant, const std::string& script) {
+        SCOPED_TRACE(variant + ": " + script);
+        const std::string source = mFolder.write("a.mkv", script);
+        Process process(command({"--engine-folder", fakeEngineFolder(variant), "--delete-sources",
+                                 source, mDestination}));
+        ASSERT_TRUE(process.waitForOutput("20 %"));
+        const auto begin = std::chrono::steady_clock::now();
+        process.interrupt();
+        EXPECT_EQ(process.wait(), 130);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1500));
+        EXPECT_THAT(process.errors(), HasSubstr("Stopped: nothing was converted"));
+        EXPECT_EQ(readFile(source), script);
+        EXPECT_EQ(logged("The conversion ends with status 130"), 1);
+    };
+    // Whatever it still says once it is asked to stop comes too late.
+    interrupt("whole", "progress 20\nhold\nprogress 100");
+    interrupt("no-stop", "write part\nprogress 20\nhold");
+    EXPECT_THAT(filesLeft(), ElementsAre("a.mkv"));
+    // A destination that was there before stays.
     mFolder.write("out.mp4", "older");
-    const std::string source = mFolder.write("a.mkv", "progress 20\nhold");
-    Process process(
-        command({"--engine-folder", fakeEngineFolder("no-stop"), source, mDestination}));
-    ASSERT_TRUE(process.waitForOutput("20 %"));
-    process.interrupt();
-    EXPECT_EQ(process.wait(), 130);
+    interrupt("no-stop", "progress 20\nhold");
     EXPECT_EQ(readFile(mDestination), "older");
 }
 

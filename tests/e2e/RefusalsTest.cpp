@@ -42,12 +42,7 @@ TEST_F(Refusals, NameWhatStandsInTheWayInOneSentence) {
         {{"gone.mkv", mDestination}, "There is no recording"},
         {{text, mDestination}, "There is no recording"},
         {{"a\n\x1B[31m.mkv", mDestination}, "a??[31m.mkv"},
-        {{mFolder.path(), mDestination}, "is a folder"},
-        {{mSource, mFolder / "none/out.mp4"}, "make it first"},
         {{mSource, mSource}, "is one of the recordings"},
-        {{mSource, mFolder.path()}, "is a folder"},
-        {{"--engine-folder", mFolder / "none", mSource, mDestination}, "There is no folder"},
-        {{"--engine-folder", "", mSource, mDestination}, "--engine-folder"},
         {{"--engine-folder", fakeEngineFolder("no-factory"), mSource, mDestination},
          "CreateMediaConverter"},
     };

@@ -1,6 +1,4 @@
-#include "launcher/Paths.h"
 #include "launcher/Preflight.h"
-#include "platform/KnownFolders.h"
 #include "platform/Library.h"
 #include "support/FakeLibraries.h"
 #include "support/TemporaryFolder.h"
@@ -28,15 +26,10 @@ protected:
             .engineFolder = ""};
 };
 
-TEST_F(Preflight, LetsReadableSourcesAndAWritableDestinationThrough) {
+TEST_F(Preflight, NamesTheFileThatStandsInTheWayAndTheRemedy) {
     EXPECT_EQ(checkFiles(job), std::nullopt);
     folder.write("out.mp4", "an older one");
     EXPECT_EQ(checkFiles(job), std::nullopt);
-    job.destination = folder / "OUT.Mp4";
-    EXPECT_EQ(checkFiles(job), std::nullopt);
-}
-
-TEST_F(Preflight, NamesTheFileThatStandsInTheWayAndTheRemedy) {
     const std::string linked = folder / "linked.mp4";
     ASSERT_TRUE(tarn::FileUtils().hardLink(job.sources[1], linked));
     struct Case {
@@ -62,24 +55,19 @@ TEST_F(Preflight, NamesTheFileThatStandsInTheWayAndTheRemedy) {
 
 TEST_F(Preflight, TellsAnEngineFromWhatIsNone) {
     EXPECT_EQ(checkEngine(fakeEngineFolder("whole")), std::nullopt);
-    const std::string remedy = "--engine-folder";
-    EXPECT_THAT(checkEngine(folder / "gone"),
-                Optional(AllOf(HasSubstr("gone"), HasSubstr(remedy))));
-    EXPECT_THAT(checkEngine("relative"), Optional(HasSubstr("relative")));
-    EXPECT_THAT(checkEngine(folder.path()),
-                Optional(AllOf(HasSubstr("There is no " + kEngineName), HasSubstr(remedy))));
-    EXPECT_THAT(checkEngine(fakeEngineFolder("no-factory")),
-                Optional(AllOf(HasSubstr("CreateMediaConverter"), HasSubstr(remedy))));
-    folder.write(kEngineName, "no library");
-    EXPECT_THAT(checkEngine(folder.path()),
-                Optional(AllOf(HasSubstr("can not be loaded"), HasSubstr(remedy))));
-}
-
-TEST(Paths, AreSeenFromTheWorkingFolder) {
-    EXPECT_TRUE(tarn::platform::isAbsolutePath(absolutePath("a.mkv")));
-    EXPECT_TRUE(absolutePath("./x/./a.mkv").ends_with(absolutePath("x/a.mkv").substr(1)));
-    EXPECT_EQ(resolvedFolder("x/../y/"), resolvedFolder("y"));
-    EXPECT_TRUE(tarn::platform::isAbsolutePath(defaultEngineFolder()));
+    const std::string text = folder.makeFolder("text");
+    folder.write("text/" + kEngineName, "no library");
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {folder / "gone", "gone"},
+        {"relative", "relative"},
+        {folder.path(), "There is no " + kEngineName},
+        {fakeEngineFolder("no-factory"), "CreateMediaConverter"},
+        {text, "can not be loaded"},
+    };
+    for (const auto& [place, told] : cases) {
+        EXPECT_THAT(checkEngine(place),
+                    Optional(AllOf(HasSubstr(told), HasSubstr("--engine-folder"))));
+    }
 }
 
 } // namespace

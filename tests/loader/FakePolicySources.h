@@ -29,7 +29,6 @@ public:
     std::optional<std::uint32_t> registryNumber(platform::RegistryRoot root,
                                                 const std::wstring& key,
                                                 const std::wstring& value) const override {
-        ++policyReads;
         return root == platform::RegistryRoot::LocalMachine &&
                        key == L"SOFTWARE\\Policies\\QuorellObrix" &&
                        value == L"enableDllSideLoadingProtection"
@@ -56,7 +55,6 @@ public:
     std::optional<std::uint32_t> policyValue;
     std::map<std::wstring, std::wstring> signers;
     std::set<std::wstring> unreadable;
-    mutable int policyReads = 0;
 };
 
 } // namespace tarn::testing

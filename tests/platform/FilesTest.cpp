@@ -6,28 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 namespace tarn::platform {
 namespace {
 
 using testing::TemporaryFolder;
-
-TEST(Files, ReachPathsBeyondTheClassicLengthLimit) {
-    const TemporaryFolder folder;
-    const FileUtils files;
-    std::string deep = folder.path();
-    while (deep.size() < 600) {
-        deep = files.joinPath(deep, "Ordner-" + std::string(60, 'n') + "-会議");
-    }
-    ASSERT_TRUE(files.mkdirIfNotExistsRecursive(deep));
-    const std::string file = files.joinPath(deep, "file.txt");
-    EXPECT_TRUE(files.writeOneLine(file, "deep"));
-    EXPECT_EQ(files.readFirstLine(file), "deep");
-    EXPECT_TRUE(copyFileContents(file, files.joinPath(deep, "copy.txt")));
-    EXPECT_TRUE(renamePath(file, files.joinPath(deep, "renamed.txt")));
-    EXPECT_EQ(files.getFilesRecursive(folder.path()).size(), 2U);
-}
 
 TEST(Files, TryWhetherAFolderTakesFiles) {
     const TemporaryFolder folder;

@@ -29,20 +29,15 @@ TEST(Text, ReplacesWhatIsNotUtf8) {
 }
 
 TEST(Text, TakesTheLongestWellFormedBeginningForOneReplacement) {
-    const auto lengths = [](std::string_view text) {
-        std::string result;
-        for (std::size_t position = 0; position < text.size();) {
-            const DecodedCharacter character = decodeUtf8(text, position);
-            result += std::to_string(character.length) + (character.valid ? "v" : "i");
-            position += character.length;
-        }
-        return result;
-    };
-    EXPECT_EQ(lengths("a\xC3\xBC\xE4\xBC\x9A\xF0\x9F\x98\x80"), "1v2v3v4v");
-    EXPECT_EQ(lengths("\xF0\x9F\x98z"), "3i1v");
-    EXPECT_EQ(lengths("\xE0\x80\x80"), "1i1i1i");
-    EXPECT_EQ(lengths("\xED\xA0\x80"), "1i1i1i");
-    EXPECT_EQ(lengths("\xF4\x8F\xBF\xBF\xF4\x90"), "4v1i1i");
+    const std::string_view text(
+        "a\xC3\xBC\xE4\xBC\x9A\xF0\x9F\x98\x80\xF0\x9F\x98z\xED\xA0\x80\xF4\x8F");
+    std::string lengths;
+    for (std::size_t position = 0; position < text.size();) {
+        const DecodedCharacter character = decodeUtf8(text, position);
+        lengths += std::to_string(character.length) + (character.valid ? "v" : "i");
+        position += character.length;
+    }
+    EXPECT_EQ(lengths, "1v2v3v4v3i1v1i1i1i2i");
 }
 
 TEST(Text, ReplacesLoneSurrogates) {

@@ -15,23 +15,20 @@ class LinuxLauncher : public LauncherFixture {};
 
 TEST_F(LinuxLauncher, SaysThatThereIsNoDisplayAndNamesTheTerminal) {
     const std::string source = mFolder.write("a.mkv", "x");
-    for (const std::string x11 : {"", ":987", "unix:987.0", "nonsense"}) {
-        for (const std::string wayland : {"", "no-such-socket", "/no/such/socket"}) {
-            SCOPED_TRACE(x11 + " " + wayland);
-            Process::Start start =
-                windowCommand({"--engine-folder", tarn::testing::fakeEngineFolder("whole"), source,
-                               mDestination});
-            for (const auto& variable : {std::pair<std::string, std::string>{"DISPLAY", x11},
-                                         {"WAYLAND_DISPLAY", wayland},
-                                         {"QT_QPA_PLATFORM", ""}}) {
-                start.environment.push_back(variable);
-            }
-            const ProcessResult result = tarn::testing::runProcess(start);
-            EXPECT_EQ(result.status, 2);
-            EXPECT_EQ(result.errors,
-                      "record-converter: There is no display to show the window "
-                      "on: convert with --no-window.\n");
-        }
+    const std::vector<std::pair<std::string, std::string>> displays{
+        {"", ""}, {":987", "no-such-socket"}, {"unix:987.0", "/no/such/socket"}, {"nonsense", ""}};
+    for (const auto& [x11, wayland] : displays) {
+        SCOPED_TRACE(x11 + " " + wayland);
+        Process::Start start = windowCommand(
+            {"--engine-folder", tarn::testing::fakeEngineFolder("whole"), source, mDestination});
+        start.environment.insert(
+            start.environment.end(),
+            {{"DISPLAY", x11}, {"WAYLAND_DISPLAY", wayland}, {"QT_QPA_PLATFORM", ""}});
+        const ProcessResult result = tarn::testing::runProcess(start);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.errors,
+                  "record-converter: There is no display to show the window on: "
+                  "convert with --no-window.\n");
     }
 }
 

@@ -23,25 +23,17 @@ using ::testing::IsEmpty;
 using testing::TemporaryFolder;
 
 TEST(Wildcard, KnowsOnlyStarAndQuestionMark) {
-    for (const auto& [name, pattern] :
-         std::vector<std::pair<const char*, const char*>>{{"", ""},
-                                                          {"", "*"},
-                                                          {"abc", "*"},
-                                                          {"abc", "a*c"},
-                                                          {"abc", "*b*"},
-                                                          {"abc", "?b?"},
-                                                          {"a[b]\\c", "a[b]\\c"},
-                                                          {"会議.log", "??.log"},
-                                                          {"aab", "*ab"},
-                                                          {"abab", "*ab"},
-                                                          {".hidden", "*"}}) {
-        EXPECT_TRUE(matchesWildcard(name, pattern)) << name << " " << pattern;
+    const auto matches = [](std::string_view both) { // name, blank, pattern
+        return matchesWildcard(both.substr(0, both.find(' ')), both.substr(both.find(' ') + 1));
+    };
+    for (const char* both : {" ", " *", "abc *", "abc a*c", "abc *b*", "abc ?b?", "a[b]\\c a[b]\\c",
+                             "会議.log ??.log", "aab *ab", "abab *ab", ".hidden *"}) {
+        EXPECT_TRUE(matches(both)) << both;
     }
-    for (const auto& [name, pattern] : std::vector<std::pair<const char*, const char*>>{
-             {"a", ""}, {"", "?"}, {"abc", "a*b"}, {"abc", "??"}, {"b", "[b]"}, {"abc", "ABC"}}) {
-        EXPECT_FALSE(matchesWildcard(name, pattern)) << name << " " << pattern;
+    for (const char* both : {"a ", " ?", "abc a*b", "abc ??", "b [b]", "abc ABC"}) {
+        EXPECT_FALSE(matches(both)) << both;
     }
-    EXPECT_FALSE(matchesWildcard(std::string(5000, 'a'), "*a*a*a*a*a*b"));
+    EXPECT_FALSE(matches(std::string(5000, 'a') + " *a*a*a*a*a*b"));
 }
 
 TEST(LinuxFiles, NeverWalkThroughLinks) {
@@ -61,10 +53,8 @@ TEST(LinuxFiles, NeverWalkThroughLinks) {
 
 TEST(LinuxFiles, KeepNamesThatAreNotUtf8) {
     const TemporaryFolder folder;
-    const std::string path = folder / "latin-\xE4";
-    EXPECT_TRUE(FileUtils().writeOneLine(path, "x"));
+    EXPECT_TRUE(FileUtils().writeOneLine(folder / "latin-\xE4", "x"));
     EXPECT_EQ(listFolder(folder.path())->front().name, "latin-\xE4");
-    EXPECT_EQ(FileUtils().readFirstLine(path), "x");
 }
 
 TEST(LinuxFiles, CopyKeepsPermissionsAndLeavesNothingBehindOnFailure) {
@@ -93,8 +83,6 @@ TEST(LinuxKnownFolders, FollowTheEnvironmentWhenItIsAbsolute) {
     EXPECT_EQ(profileFolder(), "/home/someone");
     setenv("XDG_DATA_HOME", "relative", 1);
     EXPECT_EQ(localApplicationDataFolder(), "/home/someone/.local/share");
-    setenv("HOME", "/", 1);
-    EXPECT_EQ(localApplicationDataFolder(), "/.local/share");
     unsetenv("HOME");
     EXPECT_TRUE(isAbsolutePath(profileFolder()));
     EXPECT_EQ(homePath(), std::nullopt);
@@ -115,16 +103,6 @@ TEST(LinuxLibrary, TellsWhyAFileDoesNotLoad) {
               ELIBACC);
     EXPECT_EQ(log.lines().size(), 3U);
     EXPECT_THAT(log.lines().back(), ::testing::StartsWith("<Debug> dlopen: "));
-}
-
-TEST(LinuxLibrary, LoadsFromAbsolutePathsOnly) {
-    for (const wchar_t* path : {L"libc.so.6", L"", L"./libc.so.6", L"lib/libc.so.6"}) {
-        EXPECT_EQ(loadWithAlteredSearchPath(path), nullptr);
-        EXPECT_EQ(loadWithSystemSearchPath(path), nullptr);
-        EXPECT_EQ(lastError(), static_cast<std::uint32_t>(EINVAL));
-    }
-    EXPECT_EQ(findSymbol(nullptr, "malloc"), nullptr);
-    EXPECT_FALSE(unload(nullptr));
 }
 
 } // namespace

@@ -20,17 +20,6 @@ int answer(LibraryHandle library, const char* name) {
     return function != nullptr ? function() : -1;
 }
 
-TEST(WindowsLibrary, FindsWhatALibraryNeedsInItsOwnFolder) {
-    LibraryHandle library = loadWithAlteredSearchPath(besideProgram(L"libraries\\plugin.dll"));
-    ASSERT_NE(library, nullptr) << lastError();
-    EXPECT_EQ(answer(library, "pluginAnswer"), 42);
-    EXPECT_EQ(findSymbol(library, "absent"), nullptr);
-    EXPECT_EQ(lastError(), static_cast<std::uint32_t>(ERROR_PROC_NOT_FOUND));
-    EXPECT_TRUE(unload(library));
-    EXPECT_EQ(GetModuleHandleW(L"plugin.dll"), nullptr);
-    EXPECT_EQ(GetModuleHandleW(L"neighbour.dll"), nullptr);
-}
-
 TEST(WindowsLibrary, SystemSearchLooksForDependenciesInTheSystemFolderOnly) {
     EXPECT_EQ(loadWithSystemSearchPath(besideProgram(L"libraries\\plugin.dll")), nullptr);
     EXPECT_EQ(lastError(), static_cast<std::uint32_t>(ERROR_MOD_NOT_FOUND));

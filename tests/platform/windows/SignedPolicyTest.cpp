@@ -17,6 +17,7 @@ TEST_F(SignedProgram, RefusesALibraryOfAnotherSigner) {
         place(name, mInstalled.path());
         EXPECT_FALSE(loads(mInstalled.path())) << platform::toUtf8(name);
         EXPECT_THAT(mLog->lines().back(), "<Error> Failed to load neighbour.dll, errorCode: 126");
+        EXPECT_EQ(safeLoadLibrary(platform::toWide(mInstalled / "neighbour.dll")), nullptr);
     }
     EXPECT_FALSE(isMarked()) << "code of a refused library ran";
 }
