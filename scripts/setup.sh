@@ -17,7 +17,7 @@ packages_build=(
 )
 packages_test=(
     libgtest-dev libgmock-dev googletest
-    unzip p7zip-full python3 procps
+    dpkg-dev file unzip p7zip-full python3 procps
     clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck
 )
 packages_windows=(
