@@ -52,8 +52,9 @@ RootLogger& RootLogger::getInstance(const std::shared_ptr<IAsyncQueue>& queue) {
 RootLogger& RootLogger::create(const std::shared_ptr<IAsyncQueue>& queue) {
     auto& logger = *new RootLogger(queue);
     setDefaultLogHook(
-        [](std::string message, RootLoggerLevel::Level level, int line, std::string_view file,
-           std::string_view function) { log(std::move(message), level, line, file, function, {}); },
+        [](const std::string& message, RootLoggerLevel::Level level, int line,
+           std::string_view file,
+           std::string_view function) { log(message, level, line, file, function, {}); },
         [](RootLoggerLevel::Level level) noexcept { return getInstance().isEnabled(level); });
     return logger;
 }

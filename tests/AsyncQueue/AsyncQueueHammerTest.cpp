@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kRounds = HAMMER_ROUNDS;
 constexpr int kPosters = 4;
-constexpr int kTasksOfPoster = 300;
+constexpr int kTasksOfPoster = 1000;
 
 struct Count {
     std::atomic<int> ran{0};
@@ -73,7 +73,10 @@ void meddle(const std::shared_ptr<AsyncQueue>& queue, const std::atomic<bool>& i
     queue->resume(); // a suspended queue that holds tasks would never end
 }
 
-void postTasks(AsyncQueue& queue, Count& count, std::uint32_t type) {
+void postTasks(AsyncQueue& queue, Count& count, std::uint32_t type, std::atomic<int>& absent) {
+    for (--absent; absent > 0;) { // all at once, or the first is done before the last has begun
+        std::this_thread::yield();
+    }
     for (int task = 0; task < kTasksOfPoster; ++task) {
         queue.post("counted", TaskFunction(countedTask(count)), task % 5 == 0 ? 1 : 0, type);
     }
@@ -100,9 +103,11 @@ void hammer(int number, End end) {
     auto queue = std::make_shared<AsyncQueue>("Hammered", number % 2 == 0);
     std::atomic<bool> isEnding{false};
     std::thread meddler([&] { meddle(queue, isEnding, static_cast<unsigned>(number)); });
+    std::atomic<int> absent{kPosters};
     std::vector<std::thread> posters;
     for (std::uint32_t poster = 0; poster < kPosters; ++poster) {
-        posters.emplace_back([&, poster] { postTasks(*queue, count, poster % 2 == 0 ? 7 : 0); });
+        posters.emplace_back(
+            [&, poster] { postTasks(*queue, count, poster % 2 == 0 ? 7 : 0, absent); });
     }
     if (end == End::ByOwnTask) {
         stopByOwnTask(queue);
