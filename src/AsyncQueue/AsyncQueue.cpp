@@ -37,13 +37,21 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
     if (state == State::Exiting || state == State::Stopped) {
         return;
     }
-    QueuedTask element{std::move(task), taskType, taskName};
+    std::string name = taskName;
+    const auto put = [&](QueuedTask& element) noexcept {
+        element.task = std::move(task);
+        element.type = taskType;
+        element.name = std::move(name);
+    };
     const auto lock = mContext->lockShortly();
-    Context::Queue& target = mContext->target();
-    if (position == kFrontPosition) {
-        target.push_front(std::move(element));
+    const bool isHeldBack = mContext->isInitialiserPhase();
+    if (position != kFrontPosition) {
+        put((isHeldBack ? mContext->mPendingQueue : mContext->mQueue).growBack());
+    } else if (isHeldBack) {
+        put(mContext->mPendingQueue.growFront());
     } else {
-        target.push_back(std::move(element));
+        const std::lock_guard takenLock(mContext->mTakenMutex);
+        put(mContext->mTaken.growFront());
     }
     if (!mContext->mSuspended.load()) {
         mContext->wakeWorker();
@@ -51,30 +59,39 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
 }
 
 void AsyncQueue::cancelTasks(std::uint32_t taskType) {
-    Context::Queue dropped; // destroyed after the lock
+    Context::Queue dropped; // destroyed after the locks
+    const auto isOfType = [&](const QueuedTask& element) { return element.type == taskType; };
     const std::lock_guard lock(mContext->mMutex);
-    mContext->target().moveIf([&](const QueuedTask& element) { return element.type == taskType; },
-                              dropped);
+    if (mContext->isInitialiserPhase()) {
+        mContext->mPendingQueue.moveIf(isOfType, dropped);
+        return;
+    }
+    const std::lock_guard takenLock(mContext->mTakenMutex);
+    mContext->mTaken.moveIf(isOfType, dropped);
+    mContext->mQueue.moveIf(isOfType, dropped);
 }
 
 void AsyncQueue::clear() {
+    Context::Queue taken;
     Context::Queue queue;
     Context::Queue pendingQueue;
     const std::lock_guard lock(mContext->mMutex);
+    const std::lock_guard takenLock(mContext->mTakenMutex);
+    taken.swap(mContext->mTaken);
     queue.swap(mContext->mQueue);
     pendingQueue.swap(mContext->mPendingQueue);
 }
 
 bool AsyncQueue::hasPendingTasks() {
-    const std::lock_guard lock(mContext->mMutex);
-    return !mContext->mQueue.empty() || !mContext->mPendingQueue.empty();
+    return AsyncQueue::pendingTaskCount() != 0;
 }
 
 bool AsyncQueue::suspend(std::function<void()> callback) {
     TARN_LOG_AT(RootLoggerLevel::Info, 370,
                 "Entering, asking the threadpool to suspend: " << mContext->mName);
     const std::lock_guard lock(mContext->mMutex);
-    const bool wasEmpty = mContext->mQueue.empty();
+    const std::lock_guard takenLock(mContext->mTakenMutex);
+    const bool wasEmpty = mContext->isActiveQueueEmpty();
     if (!wasEmpty && callback) {
         mContext->mHasFinishedFunc.swap(callback);
     } else {
@@ -92,7 +109,8 @@ void AsyncQueue::resume() {
 
 std::size_t AsyncQueue::pendingTaskCount() {
     const std::lock_guard lock(mContext->mMutex);
-    return mContext->mQueue.size() + mContext->mPendingQueue.size();
+    const std::lock_guard takenLock(mContext->mTakenMutex);
+    return mContext->mTaken.size() + mContext->mQueue.size() + mContext->mPendingQueue.size();
 }
 
 void AsyncQueue::stop() {
@@ -102,7 +120,7 @@ void AsyncQueue::stop() {
     {
         // The lock keeps the wake-up from falling between the worker's test and its wait.
         const std::lock_guard lock(mContext->mMutex);
-        mContext->mWakeCount.fetch_add(1, std::memory_order_relaxed);
+        mContext->wakeWorker();
         mContext->mCondition.notify_all();
     }
     try {

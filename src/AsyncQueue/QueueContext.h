@@ -1,9 +1,10 @@
 #pragma once
 
 #include "AsyncQueue/AsyncQueue.h"
-#include "AsyncQueue/RingDeque.h"
+#include "AsyncQueue/BlockDeque.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -15,28 +16,38 @@ struct QueuedTask {
     std::string name;
 };
 
-/// What a queue and its worker share. Lock order: mMutex before mTaskNameMutex.
+/// What a queue and its worker share. Lock order: mMutex, mTakenMutex, mTaskNameMutex.
+///
+/// The active queue is mTaken and then mQueue: the worker takes all that is posted at once, and the
+/// posters, who meet it at mMutex, meet it once for many tasks. What it has not started stays in
+/// mTaken, where whoever holds both mutexes can put a task in front, drop tasks and count them.
 struct AsyncQueue::Context {
-    using Queue = RingDeque<QueuedTask>;
+    using Queue = BlockDeque<QueuedTask>;
+    using Lock = std::unique_lock<std::mutex>;
 
-    std::mutex mMutex; ///< both queues, mHasFinishedFunc, changes of mSuspended, mIsWorkerWaiting
-    std::mutex mTaskNameMutex; ///< mCurrentTaskName alone
-    std::string mName;
-    std::string mCurrentTaskName;
-    bool mRegisterThread = true;
-    std::condition_variable mCondition;
+    std::mutex mMutex; ///< all queues, mHasFinishedFunc, changes of mSuspended, mIsWorkerWaiting
+    std::atomic<std::uint32_t> mWakeCount{0}; ///< tells a worker that looks for work of some
+    bool mIsWorkerWaiting = false;            ///< spares a wake-up that nobody waits for
     Queue mQueue;
     Queue mPendingQueue; ///< posts of the initialiser phase
+
+    std::mutex mTaskNameMutex; ///< mCurrentTaskName alone
+    std::string mName;
+    bool mRegisterThread = true;
+    std::condition_variable mCondition;
     std::thread mThread;
     std::atomic<State> mState{State::Running};
     std::atomic<bool> mSuspended{false};
-    bool mDetached = false;                 ///< set and read on the worker's thread only
-    std::function<void()> mHasFinishedFunc; ///< a suspension that waits for the running task
-
+    bool mDetached = false; ///< set and read on the worker's thread only
+    /// A suspension that waits for the running task. Changed with mTakenMutex held, too.
+    std::function<void()> mHasFinishedFunc;
     /// Set by the worker before its first task: mThread itself is still being stored then.
     std::atomic<std::thread::id> mThreadId{};
-    bool mIsWorkerWaiting = false;            ///< spares a wake-up that nobody waits for
-    std::atomic<std::uint32_t> mWakeCount{0}; ///< tells a worker that looks for work of some
+
+    /// On lines of memory that a post does not touch.
+    alignas(64) std::mutex mTakenMutex; ///< mTaken, of which the worker takes with it alone
+    Queue mTaken;
+    std::string mCurrentTaskName;
 
     Context() = default;
     Context(const Context&) = delete;
@@ -52,34 +63,32 @@ struct AsyncQueue::Context {
         return state == State::Initialising || state == State::Processing;
     }
     /// Takes mMutex, which nobody holds for long, rather by trying than by a system call.
-    std::unique_lock<std::mutex> lockShortly() {
-        constexpr int kTries = 40;
-        std::unique_lock lock(mMutex, std::defer_lock);
-        for (int tries = 0; tries < kTries; ++tries) {
-            if (lock.try_lock()) {
-                return lock;
-            }
-        }
-        lock.lock();
-        return lock;
-    }
-    /// The queue that posts go to. With mMutex held.
-    Queue& target() { return isInitialiserPhase() ? mPendingQueue : mQueue; }
+    Lock lockShortly();
 
+    /// With mMutex held. On the worker's thread, or with mTakenMutex held.
+    bool isActiveQueueEmpty() const { return mTaken.empty() && mQueue.empty(); }
     /// With mMutex held.
     void wakeWorker() {
-        mWakeCount.fetch_add(1, std::memory_order_relaxed);
+        mWakeCount.store(mWakeCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
         if (mIsWorkerWaiting) {
             mIsWorkerWaiting = false;
             mCondition.notify_one();
         }
     }
+    /// On the worker's thread, without a lock: true as soon as mWakeCount is no longer `seen`.
+    bool lookForWork(std::uint32_t seen, std::chrono::microseconds longest) const noexcept;
     /// On the worker's thread; a return without a cause is allowed.
-    void waitForWork(std::unique_lock<std::mutex>& lock) {
+    void waitForWork(Lock& lock) {
         mIsWorkerWaiting = true;
         mCondition.wait(lock);
         mIsWorkerWaiting = false;
     }
+    /// On the worker's thread, with mMutex held.
+    void takeAll();
+    /// On the worker's thread, without mMutex: the next task of those that were taken, which is
+    /// then the current one. False, and no task is current, when there is none or a suspension is
+    /// due.
+    bool startNext(TaskFunction& task);
     void setCurrentTaskName(std::string&& name) {
         const std::lock_guard lock(mTaskNameMutex);
         mCurrentTaskName = std::move(name);

@@ -31,13 +31,13 @@ void QueueWorker::doWork() {
     mContext->mThreadId.store(std::this_thread::get_id());
     mContext->setCurrentTaskName({});
     Lock lock(mContext->mMutex);
-    while (mContext->mState.load() != State::Exiting || !mContext->mQueue.empty()) {
+    while (mContext->mState.load() != State::Exiting || !mContext->isActiveQueueEmpty()) {
         if (mContext->mHasFinishedFunc) {
             suspendSelf(lock);
         } else if (mContext->mSuspended.load()) {
             idle(lock);
-        } else if (!mContext->mQueue.empty()) {
-            if (!runFrontTask(lock)) {
+        } else if (!mContext->isActiveQueueEmpty()) {
+            if (!runTasks(lock)) {
                 return;
             }
         } else if (mContext->mState.load() == State::Processing) {
@@ -49,17 +49,14 @@ void QueueWorker::doWork() {
 }
 
 /// Going to sleep and being woken costs the worker and the next poster a system call each: a burst
-/// of posts finds the worker still looking.
+/// of posts finds the worker still looking. Single tasks do not: on a busy machine the poster would
+/// wait for the look to end.
 void QueueWorker::idle(Lock& lock) {
     const std::uint32_t seen = mContext->mWakeCount.load(std::memory_order_relaxed);
-    if (std::exchange(mHasWorked, false)) {
+    if (std::exchange(mMayLook, false)) {
         lock.unlock();
         mScope.close();
-        // No yielding: on a busy machine that is the end of the line, behind a sleeper's wake-up.
-        const auto end = std::chrono::steady_clock::now() + kLookingTime;
-        while (mContext->mWakeCount.load(std::memory_order_relaxed) == seen &&
-               std::chrono::steady_clock::now() < end) {
-        }
+        mMayLook = mContext->lookForWork(seen, kLookingTime);
         lock.lock();
     } else {
         mContext->waitForWork(lock);
@@ -69,7 +66,11 @@ void QueueWorker::idle(Lock& lock) {
 void QueueWorker::suspendSelf(Lock& lock) {
     mContext->mSuspended.exchange(true);
     {
-        const auto callback = std::exchange(mContext->mHasFinishedFunc, nullptr);
+        std::function<void()> callback;
+        {
+            const std::lock_guard takenLock(mContext->mTakenMutex);
+            callback.swap(mContext->mHasFinishedFunc);
+        }
         lock.unlock();
         mScope.close();
         // Outside the lock, because the line may be posted to this very queue.
@@ -102,7 +103,7 @@ void QueueWorker::callSuspensionCallback(const std::function<void()>& callback) 
 
 void QueueWorker::swapQueues(Lock& lock) {
     const State before = mContext->mState.load();
-    const bool isDry = mContext->mQueue.empty();
+    const bool isDry = mContext->isActiveQueueEmpty();
     if (before == State::Processing && isDry) {
         mContext->mQueue.swap(mContext->mPendingQueue);
         mContext->mState.exchange(State::Running);
@@ -124,21 +125,20 @@ void QueueWorker::swapQueues(Lock& lock) {
     lock.lock();
 }
 
-bool QueueWorker::runFrontTask(Lock& lock) {
-    {
-        TaskFunction task = std::move(mContext->mQueue.front().task);
-        mContext->setCurrentTaskName(std::move(mContext->mQueue.front().name));
-        mContext->mQueue.pop_front();
-        lock.unlock();
+bool QueueWorker::runTasks(Lock& lock) {
+    mContext->takeAll();
+    lock.unlock();
+    TaskFunction task;
+    for (int started = 1; mContext->startNext(task); ++started) {
+        mMayLook = mMayLook || started > 1;
         // Only this thread changes the name, so it may read it without the lock.
         if (!callTask(task, mContext->mCurrentTaskName)) {
             return false;
         }
+        task = TaskFunction();
+        describeWhenDetached();
     }
-    describeWhenDetached();
-    mHasWorked = true;
     lock = mContext->lockShortly();
-    mContext->setCurrentTaskName({});
     return true;
 }
 

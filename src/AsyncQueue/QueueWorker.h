@@ -27,8 +27,9 @@ private:
     void callSuspensionCallback(const std::function<void()>& callback);
     /// Lets what was held back during the initialiser phase follow.
     void swapQueues(Lock& lock);
-    /// False when the worker has to end. `lock` is held again otherwise.
-    bool runFrontTask(Lock& lock);
+    /// Runs what is queued until a suspension is due. False when the worker has to end. `lock` is
+    /// held again otherwise.
+    bool runTasks(Lock& lock);
     bool callTask(TaskFunction& task, const std::string& taskName);
     void describeWhenDetached();
     /// Looks for work a while longer, then waits.
@@ -37,7 +38,7 @@ private:
     std::shared_ptr<AsyncQueue::Context> mContext;
     const std::string mName;
     TaskScope mScope;
-    bool mHasWorked = false; ///< since it last slept
+    bool mMayLook = false; ///< for more work, before it sleeps
 };
 
 } // namespace tarn

@@ -1,24 +1,21 @@
 #pragma once
 
 #include "AsyncQueue/CallSite.h"
+#include "AsyncQueue/InlineCallable.h"
 
 #include <concepts>
-#include <functional>
 #include <type_traits>
 #include <utility>
 
 namespace tarn {
 
 /// Holds one task. It moves, it does not copy, and what it holds need not copy either; a callable
-/// of the size of two pointers is held without an allocation.
+/// of up to six pointers is held without an allocation.
 class TaskFunction {
 public:
     TaskFunction() = default;
-    TaskFunction(TaskFunction&& other) noexcept : mTask(std::exchange(other.mTask, nullptr)) {}
-    TaskFunction& operator=(TaskFunction&& other) noexcept {
-        mTask = std::exchange(other.mTask, nullptr);
-        return *this;
-    }
+    TaskFunction(TaskFunction&&) noexcept = default;
+    TaskFunction& operator=(TaskFunction&&) noexcept = default;
     TaskFunction(const TaskFunction&) = delete;
     TaskFunction& operator=(const TaskFunction&) = delete;
     ~TaskFunction() = default;
@@ -32,7 +29,7 @@ public:
     template <typename Callable>
     requires(!std::same_as<std::remove_cvref_t<Callable>, TaskFunction>) TaskFunction& operator=(
         Callable&& callable) {
-        mTask = [inner = std::forward<Callable>(callable)]() mutable { inner(); };
+        mTask.set([inner = std::forward<Callable>(callable)]() mutable { inner(); });
         return *this;
     }
 
@@ -41,7 +38,7 @@ public:
     void operator()(CallSite where);
 
 private:
-    std::move_only_function<void()> mTask;
+    InlineCallable mTask;
 };
 
 } // namespace tarn

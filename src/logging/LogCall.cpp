@@ -54,14 +54,14 @@ bool isLogEnabled(RootLoggerLevel::Level level) noexcept {
     return gate != nullptr && gate(level);
 }
 
-void writeLog(std::string message, RootLoggerLevel::Level level, int line, std::string_view file,
-              std::string_view function) noexcept {
+void writeLog(std::string_view message, RootLoggerLevel::Level level, int line,
+              std::string_view file, std::string_view function) noexcept {
     const LogHook* hook = currentHook.load(std::memory_order_acquire);
     if (hook == nullptr || !*hook) {
         return;
     }
     try {
-        (*hook)(std::move(message), level, line, file, function);
+        (*hook)(message, level, line, file, function);
     } catch (...) {
         // Logging never throws to its caller, and there is nowhere left to say so.
         return;

@@ -4,15 +4,15 @@
 #include "logging/LogStream.h"
 
 #include <functional>
-#include <string>
 #include <string_view>
 
 /// The face of logging that every floor may include: it knows no queue, no sink and no file. The
 /// root logger plugs itself in from above; until then nothing is enabled and nothing is kept.
 namespace tarn {
 
-/// Receives a message that passed its level gate. Called on the logging thread, several at once.
-using LogHook = std::function<void(std::string message, RootLoggerLevel::Level level, int line,
+/// Receives a message that passed its level gate; the texts are the caller's. Called on the logging
+/// thread, several at once.
+using LogHook = std::function<void(std::string_view message, RootLoggerLevel::Level level, int line,
                                    std::string_view file, std::string_view function)>;
 
 using LevelGate = bool (*)(RootLoggerLevel::Level level) noexcept;
@@ -34,8 +34,8 @@ LevelGate levelGate() noexcept;
 bool isLogEnabled(RootLoggerLevel::Level level) noexcept;
 
 /// Hands a message to the hook. Never throws: a message that cannot be handed over is dropped.
-void writeLog(std::string message, RootLoggerLevel::Level level, int line, std::string_view file,
-              std::string_view function) noexcept;
+void writeLog(std::string_view message, RootLoggerLevel::Level level, int line,
+              std::string_view file, std::string_view function) noexcept;
 
 /// "a/b/RootLogger.cpp" gives "RootLogger".
 constexpr std::string_view sourceName(std::string_view path) {
@@ -55,7 +55,7 @@ constexpr std::string_view sourceName(std::string_view path) {
             constexpr std::string_view tarnSource = ::tarn::sourceName(__FILE__);   \
             ::tarn::LogStream tarnStream;                                           \
             tarnStream << __VA_ARGS__;                                              \
-            ::tarn::writeLog(tarnStream.take(), level, line, tarnSource, __func__); \
+            ::tarn::writeLog(tarnStream.text(), level, line, tarnSource, __func__); \
         }                                                                           \
     } while (false)
 

@@ -57,21 +57,22 @@ void LogOutput::setLifeCycleSink(std::shared_ptr<ILogger> sink, LifeCycleFunctio
     mLifeCycleSink.set(std::move(sink));
 }
 
-void LogOutput::write(LogRecord& record) {
-    cleanMessage(record);
+void LogOutput::write(const LogRecord& record) {
     expand(record);
+    cleanMessage();
     const bool isLifeCycleRecord = mComponents.tag == kLifeCycleTag;
     formatLine(record);
     dispatch(isLifeCycleRecord);
 }
 
-void LogOutput::cleanMessage(LogRecord& record) {
-    mScrubber.scrub(record.message);
-    if (record.file() == kEngineFile && record.message.find('\n') != std::string::npos) {
-        std::ranges::replace(record.message, '\n', ' ');
-        mScrubber.scrub(record.message); // joined lines may spell what the single ones did not
+void LogOutput::cleanMessage() {
+    std::string& message = mComponents.message;
+    mScrubber.scrub(message);
+    if (mComponents.file == kEngineFile && message.find('\n') != std::string::npos) {
+        std::ranges::replace(message, '\n', ' ');
+        mScrubber.scrub(message); // joined lines may spell what the single ones did not
     }
-    escapeControlCharacters(record.message);
+    escapeControlCharacters(message);
 }
 
 void LogOutput::expand(const LogRecord& record) {
@@ -86,7 +87,7 @@ void LogOutput::expand(const LogRecord& record) {
     mComponents.threadName = record.threadName();
     mComponents.file = record.file();
     mComponents.function = record.function();
-    mComponents.message = record.message;
+    mComponents.message = record.message();
     mComponents.tag = record.tag();
     mComponents.line = record.line;
 }

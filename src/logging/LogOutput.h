@@ -29,7 +29,7 @@ public:
     /// False when the string is already masked.
     bool addBlockedString(std::string text) { return mScrubber.add(std::move(text)); }
     void scrub(std::string& text) { mScrubber.scrub(text); }
-    void write(LogRecord& record);
+    void write(const LogRecord& record);
     void flush();
 
     /// From then on the engine's lines go to this sink only. Any thread.
@@ -54,8 +54,8 @@ private:
         std::atomic<ILogger*> mCurrent{nullptr};
     };
 
-    void cleanMessage(LogRecord& record);
     void expand(const LogRecord& record);
+    void cleanMessage();
     void formatLine(const LogRecord& record);
     void dispatch(bool isLifeCycleRecord);
     void writeTo(ILogger& sink);

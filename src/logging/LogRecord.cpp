@@ -3,27 +3,41 @@
 #include "platform/Identity.h"
 #include "threading/ThreadUtilities.h"
 
-namespace tarn {
+#include <algorithm>
+#include <string>
 
-void LogRecord::capture(std::string_view text, RootLoggerLevel::Level messageLevel,
+namespace tarn {
+namespace {
+
+/// Every line passes here, and find_last_of costs a call for each character.
+std::string_view lastComponent(std::string_view path) {
+    const auto isSeparator = [](char character) { return character == '/' || character == '\\'; };
+    const auto separator = std::find_if(path.rbegin(), path.rend(), isSeparator);
+    return {separator.base(), path.end()};
+}
+
+} // namespace
+
+void LogRecord::capture(std::string_view message, RootLoggerLevel::Level messageLevel,
                         std::int32_t sourceLine, std::string_view file, std::string_view function,
                         std::string_view tag) {
     time = std::time(nullptr);
     level = messageLevel;
     threadId = platform::threadId();
     line = sourceLine;
-    message = text;
-    if (const auto separator = file.find_last_of("/\\"); separator != std::string_view::npos) {
-        file.remove_prefix(separator + 1);
+    std::string longName;
+    const std::array<std::string_view, kParts> texts{ThreadUtilities::currentThreadName(longName),
+                                                     lastComponent(file), function, tag, message};
+    std::size_t size = 0;
+    for (std::size_t number = 0; number < kParts; ++number) {
+        size += texts[number].size();
+        mEnds[number] = size;
     }
-    mTexts.clear();
-    ThreadUtilities::appendCurrentThreadName(mTexts);
-    mFileAt = mTexts.size();
-    mTexts += file;
-    mFunctionAt = mTexts.size();
-    mTexts += function;
-    mTagAt = mTexts.size();
-    mTexts += tag;
+    mLong = size > kUsualSize ? std::make_unique_for_overwrite<char[]>(size) : nullptr;
+    char* to = mLong != nullptr ? mLong.get() : mUsual.data();
+    for (const std::string_view text : texts) {
+        to += text.copy(to, text.size());
+    }
 }
 
 } // namespace tarn

@@ -6,15 +6,15 @@
 namespace tarn {
 namespace {
 
-constexpr std::size_t kMostFree = 512;
+constexpr std::size_t kMostFree = 4096; // about 1 MB, once that many lines have waited
 constexpr std::size_t kSharedAtOnce = 32;
-constexpr std::size_t kLongestKeptMessage = 4096;
+constexpr std::size_t kMostReturned = 256;
 
 } // namespace
 
 RecordPool::RecordPool() {
     mFree.reserve(kMostFree);
-    mReturned.reserve(kSharedAtOnce);
+    mReturned.reserve(kMostReturned);
 }
 
 std::unique_ptr<LogRecord> RecordPool::take() {
@@ -26,23 +26,23 @@ std::unique_ptr<LogRecord> RecordPool::take() {
         }
         mIsBusy.clear(std::memory_order_release);
     }
-    return record != nullptr ? std::move(record) : std::make_unique<LogRecord>();
+    return record != nullptr ? std::move(record) : std::make_unique_for_overwrite<LogRecord>();
 }
 
 void RecordPool::giveBack(std::unique_ptr<LogRecord> record) noexcept {
-    if (record->message.capacity() > kLongestKeptMessage) {
+    if (mReturned.size() == kMostReturned) {
         return;
     }
+    record->shrink();
     mReturned.push_back(std::move(record)); // within what was reserved
-    if (mReturned.size() == kSharedAtOnce) {
+    if (mReturned.size() >= kSharedAtOnce) {
         share();
-        mReturned.clear();
     }
 }
 
 void RecordPool::share() noexcept {
     if (mIsBusy.test_and_set(std::memory_order_acquire)) {
-        return;
+        return; // with the next record, then
     }
     while (!mReturned.empty() && mFree.size() < kMostFree) {
         mFree.push_back(std::move(mReturned.back()));

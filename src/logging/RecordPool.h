@@ -25,7 +25,7 @@ private:
 
     std::atomic_flag mIsBusy;
     std::vector<std::unique_ptr<LogRecord>> mFree;     ///< by whoever set mIsBusy
-    std::vector<std::unique_ptr<LogRecord>> mReturned; ///< by the worker, until they are shared
+    std::vector<std::unique_ptr<LogRecord>> mReturned; ///< by the worker, until it can share them
 };
 
 } // namespace tarn

@@ -52,8 +52,7 @@ RootLogger& RootLogger::getInstance(const std::shared_ptr<IAsyncQueue>& queue) {
 RootLogger& RootLogger::create(const std::shared_ptr<IAsyncQueue>& queue) {
     auto& logger = *new RootLogger(queue);
     setDefaultLogHook(
-        [](const std::string& message, RootLoggerLevel::Level level, int line,
-           std::string_view file,
+        [](std::string_view message, RootLoggerLevel::Level level, int line, std::string_view file,
            std::string_view function) { log(message, level, line, file, function, {}); },
         [](RootLoggerLevel::Level level) noexcept { return getInstance().isEnabled(level); });
     return logger;
@@ -91,7 +90,7 @@ bool RootLogger::isEnabled(RootLoggerLevel::Level level) const noexcept {
     return mLevels.isEnabled(level);
 }
 
-void RootLogger::log(const std::string& message, RootLoggerLevel::Level level, std::int32_t line,
+void RootLogger::log(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
                      std::string_view file, std::string_view function,
                      std::string_view tag) noexcept {
     try {
@@ -108,10 +107,11 @@ void RootLogger::capture(std::string_view message, RootLoggerLevel::Level level,
         return;
     }
     static const std::string& taskName = *new std::string("doLog"); // threads log at exit, too
-    auto record = std::make_unique<LogRecord>();
+    auto record = mRecords->take();
     record->capture(message, level, line, file, function, tag);
     mQueue->post(taskName, TaskFunction([this, record = std::move(record)]() mutable {
                      mOutput->write(*record);
+                     mRecords->giveBack(std::move(record));
                  }),
                  kAtTheBack, kTaskType);
 }

@@ -38,7 +38,7 @@ public:
     bool isEnabled(RootLoggerLevel::Level level) const noexcept;
     /// Captures a record and queues it; formatting and output happen on the worker. Never throws.
     /// The record has copies of all texts.
-    static void log(const std::string& message, RootLoggerLevel::Level level, std::int32_t line,
+    static void log(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
                     std::string_view file, std::string_view function,
                     std::string_view tag) noexcept;
     /// Masks `text` (3 characters or more) in every line not yet written. Asynchronous.

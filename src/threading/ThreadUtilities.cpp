@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace tarn::ThreadUtilities {
 namespace {
@@ -35,12 +34,12 @@ std::string getThreadDescription(std::uint32_t threadId) {
     return platform::getThreadDescription(threadId);
 }
 
-void appendCurrentThreadName(std::string& text) {
+std::string_view currentThreadName(std::string& whenLong) {
     if (nameCopy.isWhole) {
-        text += nameCopy.view();
-    } else {
-        text += platform::getThreadDescription(platform::threadId());
+        return nameCopy.view();
     }
+    whenLong = platform::getThreadDescription(platform::threadId());
+    return whenLong;
 }
 
 bool isCurrentThreadName(const std::string& name) {

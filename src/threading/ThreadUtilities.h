@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tarn::ThreadUtilities {
 
@@ -12,9 +13,9 @@ void setThreadDescription(const std::string& utf8Name);
 /// The description of a thread of this process; empty when it has none or cannot be read.
 std::string getThreadDescription(std::uint32_t threadId);
 
-/// Appends the description that the calling thread was last given here. Costs no system call unless
-/// the text is longer than any that a queue gives.
-void appendCurrentThreadName(std::string& text);
+/// The description that the calling thread was last given here. A text that is longer than any that
+/// a queue gives has to be asked of the system, and is put into `whenLong`.
+std::string_view currentThreadName(std::string& whenLong);
 
 /// True when the calling thread was last given exactly this description here.
 bool isCurrentThreadName(const std::string& name);

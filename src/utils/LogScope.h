@@ -13,13 +13,13 @@ public:
     /// `name` outlives the scope: a literal.
     LogScope(std::string_view name, std::string_view file, int line) : mName(name), mFile(file) {
         if (isLogEnabled(RootLoggerLevel::Trace)) {
-            writeLog(std::string(name), RootLoggerLevel::Trace, line, file, name);
+            writeLog(name, RootLoggerLevel::Trace, line, file, name);
         }
     }
 
-    void log(RootLoggerLevel::Level level, int line, LogStream& text) const {
+    void log(RootLoggerLevel::Level level, int line, const LogStream& text) const {
         if (isLogEnabled(level)) {
-            writeLog(text.take(), level, line, mFile, mName);
+            writeLog(text.text(), level, line, mFile, mName);
         }
     }
 

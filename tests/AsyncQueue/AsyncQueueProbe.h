@@ -23,7 +23,7 @@ public:
     /// An initialiser task.
     void postDirectly(const std::string& name, TaskFunction&& task) {
         const std::lock_guard lock(mContext->mMutex);
-        mContext->mQueue.push_back({std::move(task), 0, name});
+        mContext->mQueue.growBack() = {std::move(task), 0, name};
         mContext->wakeWorker();
     }
     void swapQueues() {

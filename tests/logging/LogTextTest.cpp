@@ -135,8 +135,8 @@ TEST(LogStream, WritesWhatAStandardStreamWrites) {
     };
     std::ostringstream standard;
     LogStream ours;
-    EXPECT_EQ(write(ours).take(), static_cast<std::ostringstream&>(write(standard)).str());
-    EXPECT_EQ((LogStream() << static_cast<const char*>(nullptr)).take(), "(null)");
+    EXPECT_EQ(write(ours).text(), static_cast<std::ostringstream&>(write(standard)).str());
+    EXPECT_EQ((LogStream() << static_cast<const char*>(nullptr)).text(), "(null)");
 }
 
 } // namespace

@@ -28,7 +28,7 @@ public:
     };
 
     explicit RecordingLogHook(void (*onError)(std::string_view message) = nullptr) {
-        setLogHook([store = mStore, onError](std::string message, RootLoggerLevel::Level level,
+        setLogHook([store = mStore, onError](std::string_view message, RootLoggerLevel::Level level,
                                              int line, std::string_view file,
                                              std::string_view function) {
             if (level == RootLoggerLevel::Error && onError != nullptr) {
@@ -36,7 +36,7 @@ public:
             }
             const std::lock_guard lock(store->mutex);
             store->records.push_back(
-                {level, std::move(message), line, std::string(file), std::string(function)});
+                {level, std::string(message), line, std::string(file), std::string(function)});
         });
         setLevelGate(
             [](RootLoggerLevel::Level level) noexcept { return level >= RootLoggerLevel::Debug; });

@@ -20,9 +20,8 @@ std::string ownDescription() {
 }
 
 std::string ownName() {
-    std::string name;
-    ThreadUtilities::appendCurrentThreadName(name);
-    return name;
+    std::string whenLong;
+    return std::string(ThreadUtilities::currentThreadName(whenLong));
 }
 
 /// Threads of their own: what a test leaves on its thread is gone with it.

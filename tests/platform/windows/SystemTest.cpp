@@ -74,11 +74,11 @@ TEST(WindowsThreadDescription, AMissingFunctionIsLoggedUnderItsLine) {
     static int seenLine = 0;
     setLevelGate([](RootLoggerLevel::Level) noexcept { return true; });
     static std::string seen;
-    setLogHook([](std::string message, RootLoggerLevel::Level level, int line, std::string_view,
-                  std::string_view) {
+    setLogHook([](std::string_view message, RootLoggerLevel::Level level, int line,
+                  std::string_view, std::string_view) {
         // A record asks for its thread's description; that must not look functions up again.
         getThreadDescription(threadId());
-        seen = std::string(RootLoggerLevel::levelText(level)) + ' ' + message;
+        seen = std::string(RootLoggerLevel::levelText(level)) + ' ' + std::string(message);
         seenLine = line;
     });
     EXPECT_EQ(loadKernel32Function("NoSuchFunction"), nullptr);
