@@ -39,7 +39,7 @@ std::vector<std::string> linesWithSecrets() {
 }
 
 void check(const std::string& path, bool scrub) {
-    std::vector<std::string> texts{"<Info>", "recording of ********"};
+    std::vector<std::string> texts{"the recording", "recording of ********"};
     if (scrub) {
         texts.insert(texts.end(), kSecrets.begin(), kSecrets.end());
     }

@@ -77,20 +77,5 @@ TEST_F(AsyncQueueSuspensionTest, LogsWhatTheCallbackThrowsAndGoesOn) {
                                    "while calling suspension lambda"));
 }
 
-TEST_F(AsyncQueueSuspensionTest, EndsWhenStoppedInsideTheCallbackAndNothingIsQueued) {
-    hold();
-    post("dropped");
-    std::promise<void> isCalled;
-    mQueue->suspend([&] {
-        mQueue->clear();
-        isCalled.set_value();
-    });
-    release();
-    isCalled.get_future().wait();
-    mQueue->stop();
-    EXPECT_TRUE(mQueue->isStopped());
-    EXPECT_THAT(notes(), IsEmpty());
-}
-
 } // namespace
 } // namespace tarn

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <type_traits>
 
@@ -11,18 +12,53 @@ namespace {
 static_assert(!std::is_copy_constructible_v<TaskFunction>);
 static_assert(std::is_nothrow_move_constructible_v<TaskFunction>);
 
-TEST(TaskFunction, MovesItsCallableAndIsEmptyAfterwards) {
+/// Counts its own instances; as large as wanted, and moved by copying only when that may throw.
+template <std::size_t Size, bool IsNothrow>
+struct Counted {
+    Counted(int& living, int& calls) : mLiving(&++living), mCalls(&calls) {}
+    Counted(const Counted& other) noexcept(IsNothrow)
+        : mLiving(other.mLiving), mCalls(other.mCalls) {
+        ++*mLiving;
+    }
+    Counted& operator=(const Counted&) = delete;
+    ~Counted() { --*mLiving; }
+    void operator()() { ++*mCalls; }
+
+    int* mLiving;
+    int* mCalls;
+    std::array<char, Size> ballast{};
+};
+
+template <typename Callable>
+void moveAbout() {
+    SCOPED_TRACE(sizeof(Callable));
+    int living = 0;
     int calls = 0;
-    TaskFunction first;
-    first = [&calls, moveOnly = std::make_unique<int>(3)] { calls += *moveOnly; };
-    TaskFunction second(std::move(first));
-    second({});
-    EXPECT_EQ(calls, 3);
-    EXPECT_THROW(first({}), std::bad_function_call); // NOLINT(bugprone-use-after-move)
-    first = std::move(second);
-    first({});
-    EXPECT_EQ(calls, 6);
-    EXPECT_THROW(second({}), std::bad_function_call); // NOLINT(bugprone-use-after-move)
+    {
+        TaskFunction first;
+        first = Callable(living, calls);
+        TaskFunction second(std::move(first));
+        second({});
+        EXPECT_THROW(first({}), std::bad_function_call); // NOLINT(bugprone-use-after-move)
+        first = std::move(second);
+        first({});
+        EXPECT_THROW(second({}), std::bad_function_call); // NOLINT(bugprone-use-after-move)
+        EXPECT_EQ(living, 1);
+        first = Callable(living, calls);
+        EXPECT_EQ(living, 1) << "the former callable is gone";
+    }
+    EXPECT_EQ(living, 0);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(TaskFunction, MovesItsCallableInPlaceOrOnTheHeapAndIsEmptyAfterwards) {
+    moveAbout<Counted<8, true>>();
+    moveAbout<Counted<8, false>>();
+    moveAbout<Counted<500, true>>();
+    int sum = 0;
+    TaskFunction task([&sum, moveOnly = std::make_unique<int>(3)] { sum += *moveOnly; });
+    task({});
+    EXPECT_EQ(sum, 3);
 }
 
 TEST(TaskFunction, ReleasesTheCallersContextWhenTheCallEnds) {
