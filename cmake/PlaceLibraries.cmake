@@ -1,8 +1,9 @@
-# Copies into RUNTIME what the DLLs in it need beside them, and what those need in turn, as far as it
-# lies in one of the folders SEARCH; the rest is Windows' own.
-# cmake -DRUNTIME=FOLDER "-DSEARCH=FOLDER;..." "-DLIST=PROGRAM;ARGUMENT" -P PlaceLibraries.cmake
+# Copies into FOLDER what the programs and DLLs in it need beside them, and what those need in turn,
+# as far as it lies in one of the folders SEARCH; the rest is Windows' own.
+# cmake -DFOLDER=FOLDER "-DSEARCH=FOLDER;..." "-DLIST=PROGRAM;ARGUMENT" -P PlaceLibraries.cmake
 #   LIST: what names the DLLs that a file needs, `objdump -p` or `dumpbin /dependents`
-file(GLOB_RECURSE waiting ${RUNTIME}/*.dll)
+cmake_minimum_required(VERSION 3.25)
+file(GLOB_RECURSE waiting ${FOLDER}/*.dll ${FOLDER}/*.exe)
 while(waiting)
     list(POP_FRONT waiting library)
     execute_process(COMMAND ${LIST} ${library} OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)
@@ -10,9 +11,9 @@ while(waiting)
     list(REMOVE_DUPLICATES needed)
     foreach(name IN LISTS needed)
         foreach(folder IN LISTS SEARCH)
-            if(EXISTS ${folder}/${name} AND NOT EXISTS ${RUNTIME}/${name})
-                file(COPY ${folder}/${name} DESTINATION ${RUNTIME})
-                list(APPEND waiting ${RUNTIME}/${name})
+            if(EXISTS ${folder}/${name} AND NOT EXISTS ${FOLDER}/${name})
+                file(COPY ${folder}/${name} DESTINATION ${FOLDER})
+                list(APPEND waiting ${FOLDER}/${name})
             endif()
         endforeach()
     endforeach()

@@ -24,17 +24,21 @@ else()
 endif()
 list(REMOVE_ITEM search "")
 
+# Makes a target that does so for a folder, after what builds the folder's contents.
+function(record_converter_place_libraries target folder)
+    add_custom_target(${target} ALL
+        COMMAND ${CMAKE_COMMAND} -DFOLDER=${folder} "-DSEARCH=${search}" "-DLIST=${list_command}"
+            -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
+        COMMENT "Placing the DLLs that ${folder} needs" VERBATIM)
+    add_dependencies(${target} ${ARGN})
+endfunction()
+
 set(needing)
-foreach(target IN ITEMS mediaconverter zelclient zelcore record_converter_product)
+foreach(target IN ITEMS mediaconverter zelclient zelcore record_converter_product
+                        record_converter_qt_runtime)
     if(TARGET ${target})
         list(APPEND needing ${target})
     endif()
 endforeach()
-if(TARGET record_converter_qt_runtime)
-    list(APPEND needing record_converter_qt_runtime)
-endif()
-add_custom_target(record_converter_windows_runtime ALL
-    COMMAND ${CMAKE_COMMAND} -DRUNTIME=${RECORD_CONVERTER_RUNTIME_DIR} "-DSEARCH=${search}"
-        "-DLIST=${list_command}" -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
-    COMMENT "Placing the DLLs that the runtime folder needs" VERBATIM)
-add_dependencies(record_converter_windows_runtime ${needing})
+record_converter_place_libraries(record_converter_windows_runtime
+    ${RECORD_CONVERTER_RUNTIME_DIR} ${needing})
