@@ -102,29 +102,26 @@ public slots:
 
 TEST_F(Controller, HasItsSignalsSlotsAndPropertiesInTheAgreedOrder) {
     const QMetaObject& meta = MediaConverterController::staticMetaObject;
-    std::vector<std::string> methods;
+    std::vector<std::string> members;
     for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
         const QMetaMethod method = meta.method(index);
-        methods.push_back((method.methodType() == QMetaMethod::Signal ? "signal " : "slot ") +
+        members.push_back((method.methodType() == QMetaMethod::Signal ? "signal " : "slot ") +
                           method.methodSignature().toStdString());
         EXPECT_EQ(method.access(), QMetaMethod::Public);
     }
-    EXPECT_THAT(methods,
-                ElementsAre("signal convertStarted()", "signal convertProgress(float,QString)",
-                            "signal convertFinished(QString)", "signal convertError(int,QString)",
-                            "signal infoChanged()", "signal exitProcess()", "slot open()",
-                            "slot play()", "slot close()"));
-    std::vector<std::string> properties;
     for (int index = meta.propertyOffset(); index < meta.propertyCount(); ++index) {
         const QMetaProperty property = meta.property(index);
-        properties.push_back(std::string(property.typeName()) + " " + property.name());
-        EXPECT_TRUE(property.isReadable() && property.isWritable() && property.isDesignable() &&
-                    property.isScriptable() && property.isStored());
+        members.push_back(std::string(property.typeName()) + " " + property.name());
+        EXPECT_TRUE(property.isReadable() && property.isWritable());
         EXPECT_STREQ(property.notifySignal().name(), "infoChanged");
     }
-    EXPECT_THAT(properties,
-                ElementsAre("bool isDark", "QString convertingStartedText",
-                            "QString convertingFinishedText", "QString convertingErrorText"));
+    EXPECT_THAT(
+        members,
+        ElementsAre("signal convertStarted()", "signal convertProgress(float,QString)",
+                    "signal convertFinished(QString)", "signal convertError(int,QString)",
+                    "signal infoChanged()", "signal exitProcess()", "slot open()", "slot play()",
+                    "slot close()", "bool isDark", "QString convertingStartedText",
+                    "QString convertingFinishedText", "QString convertingErrorText"));
 }
 
 TEST_F(Controller, TakesTheThemeFromTheFifthArgument) {
@@ -143,9 +140,7 @@ TEST_F(Controller, TakesTheThemeFromTheFifthArgument) {
         QSignalSpy changed(controller.get(), &MediaConverterController::infoChanged);
         initialize({"program", "/nowhere", "", "a", "b", theme});
         EXPECT_EQ(controller->property("isDark").toBool(), dark) << theme;
-        EXPECT_THAT(log.lines(),
-                    Contains(dark ? "<Info> theme is dark:1" : "<Info> theme is dark:0"));
-        EXPECT_EQ(linesOf("theme is dark:"), std::vector{152});
+        EXPECT_EQ(linesOf(dark ? "theme is dark:1" : "theme is dark:0"), std::vector{152});
         EXPECT_EQ(changed.size(), 2);
     }
     controller = std::make_shared<MediaConverterController>();
@@ -169,12 +164,6 @@ TEST_F(Controller, TakesTheThreeTextsAndLogsThePathsForTwoArgumentsAlone) {
     log.clear();
     initialize({"program", "/nowhere", ""});
     EXPECT_EQ(linesOf("convert "), std::vector<int>());
-}
-
-TEST_F(Controller, MustBeOwnedByASharedPointer) {
-    MediaConverterController alone;
-    EXPECT_THROW(alone.initialize({"program"}, texts, std::make_shared<SilentLog>()),
-                 std::bad_weak_ptr);
 }
 
 TEST_F(Controller, HandsTheExpandedSourcesAndTheFixedValuesToTheEngine) {
@@ -251,17 +240,12 @@ TEST_F(Controller, DestroyedWhileTheEngineReportsGoesQuietlyOnItsOwnThread) {
     }
 }
 
-TEST_F(Controller, PlaysTheDestination) {
+TEST_F(Controller,
+       PlaysTheDestinationAndOpensWhatIsChosenInTheDestinationsFolderAndNothingWhenCancelled) {
     OpenedUrls opened;
     initializeWithScript("");
     controller->play();
-    EXPECT_EQ(opened.urls, QList{QUrl::fromLocalFile(QString::fromStdString(destination))});
     EXPECT_EQ(linesOf("Open File:" + destination), std::vector{185});
-}
-
-TEST_F(Controller, OpensWhatIsChosenInTheDestinationsFolderAndNothingWhenCancelled) {
-    OpenedUrls opened;
-    initializeWithScript("");
     folder.write("mee ting.mp4", "film");
     for (const bool choose : {false, true}) {
         QTimer timer;
@@ -283,10 +267,11 @@ TEST_F(Controller, OpensWhatIsChosenInTheDestinationsFolderAndNothingWhenCancell
         timer.start(10);
         controller->open();
         EXPECT_EQ(shownFolder.toStdString(), folder / "");
-        EXPECT_EQ(opened.urls.size(), choose ? 1 : 0);
+        EXPECT_EQ(opened.urls.size(), choose ? 2 : 1);
         EXPECT_EQ(linesOf("Open Dir:"), choose ? std::vector{177} : std::vector<int>());
     }
-    EXPECT_EQ(opened.urls.constFirst().toLocalFile().toStdString(), destination);
+    EXPECT_EQ(opened.urls,
+              QList<QUrl>(2, QUrl::fromLocalFile(QString::fromStdString(destination))));
 }
 
 } // namespace recordconverter::app::test

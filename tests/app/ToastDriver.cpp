@@ -10,7 +10,6 @@
 //   close, quit    the controller's slot; the end of the event loop
 //   print          writes the visible views and the toast's texts to standard output
 //   modules        writes the files of Qt's that are loaded to standard output
-//   grab=FILE      saves the window as a picture
 
 #include "platform/Library.h"
 #include "platform/Text.h"
@@ -93,8 +92,6 @@ bool perform(const QString& action, const QElapsedTimer& sinceLast) {
         print();
     } else if (name == "modules") {
         printModules();
-    } else if (name == "grab") {
-        toast()->grabWindow().save(value);
     } else {
         qFatal("unknown action");
     }

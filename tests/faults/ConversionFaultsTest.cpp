@@ -28,6 +28,7 @@ TEST_F(ConversionFaults, AFailedCallIsAnErrorThatLeavesRecordingAndOlderDestinat
     } cases[] = {
         {rule("open", ".part", 1, 1, ENOSPC), "20025"},
         {rule("open", ".part", 1, 1, EMFILE), "20026"},
+        {rule("open", ".part", 1, 1, EROFS), "20023"},
         // Full at the start, in the middle, and for what is written last: the index at the end.
         {rule("write", ".part", 1, 0, ENOSPC), "20025"},
         {rule("write", ".part", 3, 0, ENOSPC), "20025"},
