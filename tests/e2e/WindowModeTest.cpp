@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 namespace e2e {
 namespace {
 
@@ -72,22 +74,19 @@ TEST_F(WindowMode, LeavesNoSecondNamesHoweverItEnds) {
     EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv"));
 }
 
-TEST_F(WindowMode, SaysThatThereIsNoWindowAndNamesTheTerminal) {
-    Process::Start noWindow = start("exit", {mSource, mDestination});
-    noWindow.command[2] = fakeEngineFolder("no-stop");
-    const ProcessResult result = runProcess(noWindow);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.errors, AllOf(HasSubstr("There is no window"), HasSubstr("--no-window")));
-}
-
-TEST_F(WindowMode, ChecksTheFilesAndTheEngineBeforeAWindowAppears) {
-    EXPECT_EQ(runProcess(start("exit", {"gone.mkv", mDestination})).status, 2);
-    Process::Start noEngine = start("exit", {mSource, mDestination});
-    noEngine.command[2] = fakeEngineFolder("no-factory");
-    const ProcessResult result = runProcess(noEngine);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.errors, HasSubstr("CreateMediaConverter"));
-    EXPECT_EQ(result.output, "");
+TEST_F(WindowMode, ChecksTheFilesTheEngineAndTheWindowBeforeOneAppears) {
+    const std::vector<std::array<std::string, 3>> cases{
+        {"whole", "gone.mkv", "There is no recording"},
+        {"no-factory", mSource, "CreateMediaConverter"},
+        {"no-stop", mSource, "There is no window"}};
+    for (const auto& [variant, source, told] : cases) {
+        Process::Start refused = start("exit", {source, mDestination});
+        refused.command[2] = fakeEngineFolder(variant);
+        const ProcessResult result = runProcess(refused);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.errors, HasSubstr(told));
+        EXPECT_EQ(result.output, "");
+    }
 }
 
 } // namespace

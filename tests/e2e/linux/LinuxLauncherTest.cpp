@@ -1,4 +1,4 @@
-// What only Linux has: runs without a display, names that are no UTF-8, names with a bar.
+// What only Linux has: runs without a display, names with a bar.
 
 #include "e2e/LauncherFixture.h"
 #include "support/FakeLibraries.h"
@@ -44,12 +44,6 @@ TEST_F(LinuxLauncher, LendsTheWindowAPlainNameForOneThatItCanNotTake) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, AllOf(HasSubstr("a|b.mkv"), HasSubstr("--no-window")));
     EXPECT_TRUE(exists(odd));
-}
-
-TEST_F(LinuxLauncher, RefusesANameThatIsNoUtf8) {
-    const ProcessResult result = launch({"a\xFF.mkv", mDestination});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.errors, HasSubstr("\"a\xEF\xBF\xBD.mkv\" is not valid UTF-8"));
 }
 
 } // namespace
