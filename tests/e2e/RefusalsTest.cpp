@@ -59,6 +59,7 @@ TEST_F(Refusals, AnEngineIsTakenFromItsFolderAndFromNowhereElse) {
     ASSERT_TRUE(files.copyFile(files.joinPath(fakeEngineFolder("whole"), name), mFolder / name));
     Process::Start start = command({"--engine-folder", empty, mSource, mDestination});
     start.environment.emplace_back("LD_LIBRARY_PATH", mFolder.path());
+    start.environment.emplace_back("PATH", mFolder.path());
     expectRefused(tarn::testing::runProcess(start), "There is no " + name);
 
     // A relative folder is one below the working folder, and nothing else.
