@@ -54,7 +54,8 @@ MediaConverterController::~MediaConverterController() {
 
 void MediaConverterController::initialize(const std::vector<std::string>& arguments,
                                           const std::shared_ptr<LocalizationStrings>& texts,
-                                          const std::shared_ptr<ConverterLog>& log) {
+                                          const std::shared_ptr<ConverterLog>& log,
+                                          const std::function<void()>& beforeEngine) {
     parseArguments(arguments);
     convertingStartedText = texts->text(0);
     convertingFinishedText = texts->text(1);
@@ -63,6 +64,9 @@ void MediaConverterController::initialize(const std::vector<std::string>& argume
     if (arguments.size() == 2) {
         TARN_LOG_AT(Info, 74, "convert from: " << arguments[1]);
         TARN_LOG_AT(Info, 75, "convert to:" << destinationFile);
+    }
+    if (beforeEngine) {
+        beforeEngine();
     }
     createConverter(log);
     connectExitTimer();

@@ -10,10 +10,13 @@
 #include "recordconverter/ConverterLog.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
+#include <QTimer>
 #include <QUrl>
 
+#include <chrono>
 #include <memory>
 
 namespace recordconverter::app {
@@ -21,6 +24,8 @@ namespace {
 
 using tarn::RootLoggerLevel::Debug;
 using tarn::RootLoggerLevel::Error;
+
+constexpr std::chrono::milliseconds kLongestFirstFrame{500};
 
 void collectArguments(EntryContext& context, int argc, wchar_t** argv) {
     TARN_LOG(Debug, "argc:" << argc);
@@ -36,6 +41,15 @@ void installTranslator(EntryContext& context) {
     }
 }
 
+/// The engine brings a hundred libraries along, which the window does not wait for.
+void showFirstFrame(QObject* window) {
+    QEventLoop loop;
+    // By name: the window's class is known to QML, and nothing else here needs its library.
+    QObject::connect(window, SIGNAL(frameSwapped()), &loop, SLOT(quit()));
+    QTimer::singleShot(kLongestFirstFrame, &loop, &QEventLoop::quit); // it may be hidden
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
 /// Everything that needs the application object. The locals go in the reverse of their order: the
 /// controller's reference first, then the QML engine.
 int runWindow(EntryContext& context) {
@@ -49,7 +63,8 @@ int runWindow(EntryContext& context) {
     if (engine.rootObjects().isEmpty()) {
         return -1;
     }
-    controller->initialize(context.arguments, context.localizationStrings, context.converterLog);
+    controller->initialize(context.arguments, context.localizationStrings, context.converterLog,
+                           [&] { showFirstFrame(engine.rootObjects().constFirst()); });
     controller->startConversion();
     const int result = QApplication::exec();
     MediaConverterController::release(std::move(controller));
