@@ -12,7 +12,8 @@ namespace zelcore {
 
 namespace {
 
-constexpr int kBufferSize = 1024 * 1024;
+// Small enough to stay in the processor's cache until the system has copied it.
+constexpr int kBufferSize = 128 * 1024;
 // The disk starts early, in such steps, and never lags further behind than the limit: the sync at
 // the end waits for little, and memory does not fill up with what is still to be written.
 constexpr std::uint64_t kWriteBackStep = 8 * 1024 * 1024;

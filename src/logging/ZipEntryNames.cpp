@@ -19,7 +19,8 @@ std::string partName(std::string_view part) {
 
 void append(std::string& name, std::string_view part) {
     if (!part.empty() && part != ".") {
-        name += (name.empty() ? "" : "/") + partName(part);
+        name += name.empty() ? "" : "/";
+        name += partName(part);
     }
 }
 
