@@ -74,33 +74,25 @@ TEST(ThreadUtilities, SharesACopyOfTheContextWhenItsFirstTextIsSet) {
     });
 }
 
-TEST(ScopedThreadNotifications, PutsTheDescriptionBackAndLeavesNoContextBehind) {
-    onNewThread([] {
-        setThreadDescription("before");
-        {
-            const ScopedThreadNotifications scope("during", false);
-            EXPECT_EQ(ownDescription(), "during");
-            EXPECT_EQ(ownName(), "during");
-            hint_external_input::set("left", "behind");
-        }
-        EXPECT_EQ(ownDescription(), "before");
-        EXPECT_EQ(ownName(), "before");
-        EXPECT_EQ(hint_external_input::share(), nullptr);
-    });
-}
-
-TEST(ScopedThreadNotifications, PutsASavedContextBack) {
-    onNewThread([] {
-        hint_external_input::set("outer", "context");
-        {
-            const ScopedThreadNotifications scope("during", false, hint_external_input::share());
-            hint_external_input::set("inner", "");
-        }
-        const auto restored = hint_external_input::share();
-        ASSERT_NE(restored, nullptr);
-        EXPECT_EQ(restored->first + "," + restored->second, "outer,context");
-        hint_external_input::clear();
-    });
+TEST(ScopedThreadNotifications, PutsDescriptionAndSavedContextBackAndLeavesNoOtherBehind) {
+    for (const bool isSaved : {false, true}) {
+        SCOPED_TRACE(isSaved);
+        onNewThread([isSaved] {
+            setThreadDescription("before");
+            hint_external_input::set("outer", "context");
+            {
+                const ScopedThreadNotifications scope(
+                    "during", false, isSaved ? hint_external_input::share() : nullptr);
+                EXPECT_EQ(ownDescription() + ownName(), "duringduring");
+                hint_external_input::set("inner", "");
+            }
+            EXPECT_EQ(ownDescription() + ownName(), "beforebefore");
+            const auto left = hint_external_input::share();
+            EXPECT_EQ(left != nullptr ? left->first + "," + left->second : "none",
+                      isSaved ? "outer,context" : "none");
+            hint_external_input::clear();
+        });
+    }
 }
 
 TEST(ScopedThreadNotifications, KeepsTheOutermostRegisteredScopeAsTheCurrentOne) {
