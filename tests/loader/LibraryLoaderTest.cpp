@@ -66,7 +66,7 @@ TEST_F(LibraryLoader, TriesTheSystemFolderForAMissingFile) {
     EXPECT_THAT(log.lines(), ElementsAre("<Debug> Load " + plain + ", exists: false, size: -1",
                                          "<Error> Failed to load " + plain + ", errorCode: " +
                                              std::to_string(platform::lastError())));
-    log.lines().clear();
+    log.clear();
     const std::string name = platform::pathSeparator() == '\\' ? "version.dll" : "libm.so.6";
     EXPECT_NE(load(name, folder.path()), nullptr);
     EXPECT_THAT(log.lines(), ElementsAre("<Debug> Load " + name + ", exists: false, size: -1",
