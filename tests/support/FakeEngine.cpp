@@ -63,14 +63,25 @@ struct State {
     std::vector<std::unique_ptr<Instance>> instances;
 };
 
+/// Gone with the library, unless its threads run on while the process exits.
+struct StateOwner {
+    State* state = new State;
+
+    StateOwner() = default;
+    ~StateOwner() {
+        std::unique_lock lock(state->mutex);
+        if (state->threads.empty()) {
+            lock.unlock();
+            delete state;
+        }
+    }
+    StateOwner(const StateOwner&) = delete;
+    StateOwner& operator=(const StateOwner&) = delete;
+};
+
 State& state() {
-#ifdef FAKE_NO_STOP
-    // Its threads run on while the process exits.
-    static State& shared = *new State;
-#else
-    static State shared;
-#endif
-    return shared;
+    static const StateOwner owner;
+    return *owner.state;
 }
 
 std::filesystem::path utf8Path(const std::string& text) {
