@@ -45,7 +45,7 @@ TEST_F(ArchiveLogs, PacksTheLogsOfThisAndThePreviousRun) {
     EXPECT_EQ(logged("Log archiving finished."), 1);
 }
 
-TEST_F(ArchiveLogs, RefusesWhatIsNoFolder) {
+TEST_F(ArchiveLogs, RefusesWhatIsNoFolderOrCannotBeWritten) {
     mFolder.write("file", "kept");
     for (const std::string place : {"absent", "file"}) {
         const ProcessResult result = archive(place);
@@ -53,8 +53,10 @@ TEST_F(ArchiveLogs, RefusesWhatIsNoFolder) {
         EXPECT_EQ(result.errors, "record-converter: \"" + mFolder / place +
                                      "\" is no folder: name one that exists.\n");
     }
-    const ProcessResult result =
-        runProcess(windowCommand({"--archive-logs", ".", "a.mkv", "b.mp4"}));
+    ProcessResult result = archive("/proc"); // where not even root can write
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("\"/proc\" cannot be written"));
+    result = runProcess(windowCommand({"--archive-logs", ".", "a.mkv", "b.mp4"}));
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, HasSubstr("give no recording with it"));
     EXPECT_THAT(filesLeft(), ElementsAre("file"));
