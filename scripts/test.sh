@@ -5,12 +5,12 @@
 #   tsan     thread sanitizer, without Qt      windows  MinGW-w64 build, tests under Wine
 #   fuzz     each fuzzing program for 10 s     lint     static checks, see scripts/lint.sh
 #   linux    dev                               sanitizers  asan and tsan
-#   (none)   linux, lint, fuzz and windows
+#   (none)   linux, lint, fuzz, tsan and windows
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 stages=("$@")
-[ ${#stages[@]} -gt 0 ] || stages=(linux lint fuzz windows)
+[ ${#stages[@]} -gt 0 ] || stages=(linux lint fuzz tsan windows)
 
 scripts/setup.sh build test
 mkdir -p build
