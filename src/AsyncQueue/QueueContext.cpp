@@ -11,6 +11,9 @@ namespace {
 
 constexpr int kTries = 7;
 constexpr int kPausesBetweenLooks = 8;
+constexpr std::chrono::microseconds kGatheringTime{10};
+
+using Clock = std::chrono::steady_clock;
 
 void pause(int times) noexcept {
     for (; times > 0; --times) {
@@ -39,11 +42,17 @@ AsyncQueue::Context::Lock AsyncQueue::Context::lockShortly() {
 bool AsyncQueue::Context::lookForWork(std::uint32_t seen,
                                       std::chrono::microseconds longest) const noexcept {
     // No yielding: on a busy machine that is the end of the line, behind a sleeper's wake-up.
-    const auto end = std::chrono::steady_clock::now() + longest;
+    const auto end = Clock::now() + longest;
     while (mWakeCount.load(std::memory_order_relaxed) == seen) {
-        if (std::chrono::steady_clock::now() >= end) {
+        if (Clock::now() >= end) {
             return false;
         }
+        pause(kPausesBetweenLooks);
+    }
+    // In a burst a worker that is faster than its posters would take each task by itself, and the
+    // memory of mutex and queue would travel between the processors for each.
+    const auto gathered = Clock::now() + kGatheringTime;
+    while (Clock::now() < gathered) {
         pause(kPausesBetweenLooks);
     }
     return true;
