@@ -14,11 +14,44 @@ bool Scrubber::add(std::string text) {
         return left.size() > right.size();
     };
     mEntries.insert(std::ranges::upper_bound(mEntries, text, isLonger), std::move(text));
+    indexEntries();
     return true;
 }
 
+void Scrubber::indexEntries() {
+    mBeginWith = {};
+    mContinueWith = {};
+    mAlwaysPossible = 0;
+    for (std::size_t number = 0; number < mEntries.size(); ++number) {
+        const std::string& entry = mEntries[number];
+        if (entry.size() < 2 || entry.find('*') != std::string::npos) {
+            mAlwaysPossible |= bitOf(number);
+        } else {
+            mBeginWith[static_cast<unsigned char>(entry[0])] |= bitOf(number);
+            mContinueWith[static_cast<unsigned char>(entry[1])] |= bitOf(number);
+        }
+    }
+}
+
+Scrubber::EntrySet Scrubber::possibleEntries(std::string_view text) const {
+    EntrySet possible = mAlwaysPossible;
+    EntrySet begun = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        possible |= begun & mContinueWith[byte];
+        begun = mBeginWith[byte];
+    }
+    return possible;
+}
+
+/// What masks leave of a text holds no entry without asterisks that the text did not hold.
 void Scrubber::scrub(std::string& text) {
-    for (const std::string& entry : mEntries) {
+    const EntrySet possible = mEntries.empty() ? 0 : possibleEntries(text);
+    for (std::size_t number = 0; possible != 0 && number < mEntries.size(); ++number) {
+        const std::string& entry = mEntries[number];
+        if ((possible & bitOf(number)) == 0) {
+            continue;
+        }
         if (entry.find('*') == std::string::npos) {
             replaceAll(text, entry);
         } else if (entry.find_first_not_of('*') != std::string::npos) {

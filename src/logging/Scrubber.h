@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,10 +23,20 @@ public:
     void scrub(std::string& text);
 
 private:
+    /// One bit for each entry; entries beyond the first 32 share them.
+    using EntrySet = std::uint32_t;
+
+    static EntrySet bitOf(std::size_t number) { return EntrySet{1} << (number % 32U); }
+    void indexEntries();
+    /// The entries that `text` may hold, found in one pass over it.
+    EntrySet possibleEntries(std::string_view text) const;
     void replaceAll(std::string& text, const std::string& entry);
     void replaceAllWithAsterisks(std::string& text, const std::string& entry);
 
-    std::vector<std::string> mEntries; ///< longest first
+    std::vector<std::string> mEntries;         ///< longest first
+    std::array<EntrySet, 256> mBeginWith{};    ///< by character
+    std::array<EntrySet, 256> mContinueWith{}; ///< by second character
+    EntrySet mAlwaysPossible = 0; ///< those that masks may complete, or of one character
     std::string mScratch;
 };
 
