@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/Files.h"
 #include "platform/Library.h"
 #include "support/TemporaryFolder.h"
 #include "zel/EngineContract.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -16,90 +19,109 @@
 
 namespace zelcore::testing {
 
-/// What a conversion reported, in order.
-class RecordingSink final : public zel::IZelMediaConverterSink {
-public:
-    void OnProgress(float percent) override;
-    void OnError(std::int32_t code) override;
+std::string recording(const std::string& name);
 
-    /// False when neither 100 nor an error has come in a minute.
-    bool waitForEnd();
-    /// False when no progress above `percent` has come in a minute.
-    bool waitForProgress(float percent);
-    std::vector<float> progress() const;
-    std::vector<std::int32_t> errors() const;
-    std::size_t calls() const;
+/// What a conversion reported, in order. Read it while the engine is silent.
+struct RecordingSink final : zel::IZelMediaConverterSink {
+    void OnProgress(float percent) override {
+        if (onProgress) {
+            onProgress(percent);
+        }
+        const std::lock_guard lock(mMutex);
+        progress.push_back(percent);
+        mChanged.notify_all();
+    }
+    void OnError(std::int32_t code) override {
+        const std::lock_guard lock(mMutex);
+        errors.push_back(code);
+        mChanged.notify_all();
+    }
+    /// Waits for an error or so much progress; false when neither has come in a minute.
+    bool waitFor(float percent = 100) {
+        std::unique_lock lock(mMutex);
+        return mChanged.wait_for(lock, std::chrono::minutes(1), [&] {
+            return !errors.empty() || (!progress.empty() && progress.back() >= percent);
+        });
+    }
 
     std::function<void(float)> onProgress; ///< runs on the engine's thread; set before the start
+    std::vector<float> progress;
+    std::vector<std::int32_t> errors;
 
 private:
-    bool waitFor(const std::function<bool()>& reached);
-
-    mutable std::mutex mMutex;
+    std::mutex mMutex;
     std::condition_variable mChanged;
-    std::vector<float> mProgress;
-    std::vector<std::int32_t> mErrors;
 };
 
-class RecordingTraceSink final : public zel::IZelTraceSink {
-public:
-    std::int32_t OnTrace(std::uint32_t level, const char* text) override;
-    std::vector<std::pair<std::uint32_t, std::string>> lines() const;
+struct RecordingTraceSink final : zel::IZelTraceSink {
+    std::int32_t OnTrace(std::uint32_t level, const char* text) override {
+        const std::lock_guard lock(mMutex);
+        lines.emplace_back(level, text);
+        return 0;
+    }
     /// How many lines of a level hold a text.
-    std::size_t count(std::uint32_t level, const std::string& part = "") const;
-    void clear();
+    std::ptrdiff_t count(std::uint32_t level, const std::string& part = "") const {
+        return std::ranges::count_if(lines, [&](const auto& line) {
+            return line.first == level && line.second.contains(part);
+        });
+    }
+
+    std::vector<std::pair<std::uint32_t, std::string>> lines;
 
 private:
-    mutable std::mutex mMutex;
-    std::vector<std::pair<std::uint32_t, std::string>> mLines;
+    std::mutex mMutex;
 };
 
-/// The engine's two libraries, loaded as the program loads them.
-class LoadedEngine {
-public:
-    LoadedEngine();
-    ~LoadedEngine();
-    LoadedEngine(const LoadedEngine&) = delete;
-    LoadedEngine& operator=(const LoadedEngine&) = delete;
+/// The engine's two libraries, loaded as the program loads them, and a folder for destinations.
+class EngineTest : public ::testing::Test {
+protected:
+    EngineTest() { load(); }
+    ~EngineTest() override { unload(); }
+    void load();
+    void unload() {
+        for (tarn::platform::LibraryHandle library : std::exchange(mLibraries, {})) {
+            EXPECT_TRUE(tarn::platform::unload(library));
+        }
+    }
 
-    zel::IZelMediaConverter* create(zel::IZelMediaConverterSink& sink) const;
-    void unloadConverter();
-    void unloadClient();
+    zel::IZelMediaConverter& create(zel::IZelMediaConverterSink& sink) const {
+        zel::IZelMediaConverter* converter = nullptr;
+        EXPECT_EQ(createConverter(&converter, &sink), zel::kZelSuccess);
+        return *converter;
+    }
+    std::int32_t start(RecordingSink& sink, const std::vector<std::string>& sources,
+                       const std::string& to) const {
+        std::vector<const char*> paths;
+        std::ranges::transform(sources, std::back_inserter(paths), &std::string::c_str);
+        return paths.size() == 1
+                   ? create(sink).StartSingle(paths[0], to.c_str(), 3, 4)
+                   : create(sink).StartMultiple(paths.data(), paths.size(), to.c_str(), 3, 4);
+    }
+    /// Waits for the end, and until the engine's thread is gone and has said all that it will say.
+    void awaitEnd(RecordingSink& sink) const {
+        ASSERT_TRUE(sink.waitFor());
+        ASSERT_EQ(stopConversions(60'000), 0);
+    }
+    /// Converts and expects a success: one 100 after rising progress, no error line, no temporary.
+    void convert(const std::vector<std::string>& sources, const std::string& to);
+    /// Converts and expects exactly one error of this number, a trace line that names it, and
+    /// neither a new destination nor a temporary.
+    void expectRefusal(std::int32_t code, const std::vector<std::string>& sources,
+                       const std::string& to);
+    std::size_t temporaries() const {
+        return tarn::platform::listFolder(folder.path(), "*.part")->size();
+    }
 
+    tarn::testing::TemporaryFolder folder;
+    const std::string destination = folder / "out.mp4";
+    RecordingTraceSink trace;
     zel::CreateMediaConverterFunction createConverter = nullptr;
     zel::StopConversionsFunction stopConversions = nullptr;
     zel::SetTraceSinkFunction setTraceSink = nullptr;
     zel::SetTraceMaxLevelFunction setTraceMaxLevel = nullptr;
 
 private:
-    tarn::platform::LibraryHandle mConverter = nullptr;
-    tarn::platform::LibraryHandle mClient = nullptr;
-};
-
-std::string recording(const std::string& name);
-
-/// A loaded engine whose trace is kept, and a folder for destinations.
-class EngineTest : public ::testing::Test {
-protected:
-    EngineTest();
-    ~EngineTest() override;
-
-    std::string destination(const std::string& name = "out.mp4") const { return folder / name; }
-    static std::int32_t start(zel::IZelMediaConverter& converter,
-                              const std::vector<std::string>& sources, const std::string& to);
-    /// Converts and waits for the end. Expects a success: one 100 after rising progress, no error
-    /// line, nothing but the destination in the folder.
-    void convert(const std::vector<std::string>& sources, const std::string& to);
-    /// Converts and waits for the end. Expects exactly one error of this number, a trace line that
-    /// names it, and no destination or temporary.
-    void expectRefusal(std::int32_t code, const std::vector<std::string>& sources,
-                       const std::string& to);
-    /// Names of temporaries in a folder.
-    static std::vector<std::string> temporaries(const std::string& folderPath);
-
-    tarn::testing::TemporaryFolder folder;
-    RecordingTraceSink trace; // outlives the engine
-    LoadedEngine engine;
+    std::vector<tarn::platform::LibraryHandle> mLibraries;
 };
 
 } // namespace zelcore::testing

@@ -7,11 +7,11 @@
 namespace zelcore::testing {
 
 struct ProbedTrack {
-    bool isVideo = false;
+    bool isVideo() const { return width > 0; }
+
     std::string codec{};
     int width = 0;
     int height = 0;
-    int sampleRate = 0;
     int channels = 0;
     std::vector<double> times{};          ///< presentation, seconds, in decoding order
     std::vector<std::uint32_t> packets{}; ///< checksum of each packet
@@ -23,8 +23,5 @@ struct ProbedTrack {
 /// What is in a file, packet by packet and decoded, by libavformat's and libavcodec's word.
 /// Empty when it cannot be opened.
 std::vector<ProbedTrack> probe(const std::string& path);
-
-/// True when this system's libavcodec has a decoder for every stream of a file.
-bool canDecode(const std::string& path);
 
 } // namespace zelcore::testing
