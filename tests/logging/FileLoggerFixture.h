@@ -16,17 +16,12 @@ namespace tarn::testing {
 /// Loggers in a folder of their own, with the smallest size limit (500,000 bytes).
 class FileLoggerFixture : public ::testing::Test {
 protected:
-    static constexpr std::chrono::hours kNever{24};
-    static constexpr std::chrono::hours kAtOnce{0};
-
-    std::shared_ptr<FileLogger> makeLogger(std::chrono::milliseconds retryInterval = kNever,
-                                           bool keepWhileFailed = true) const {
-        auto logger = std::make_shared<FileLogger>(logs, 1, files, nullptr, keepWhileFailed);
-        logger->setRetryInterval(retryInterval);
-        return logger;
-    }
-    std::shared_ptr<FileLogger> startLogger(bool movePreviousRun = true) const {
-        auto logger = makeLogger();
+    /// It tries a failed file again only when it is flushed.
+    std::shared_ptr<FileLogger> startLogger(
+        bool movePreviousRun = true,
+        std::shared_ptr<IFileUtils> utils = std::make_shared<FileUtils>()) const {
+        auto logger = std::make_shared<FileLogger>(logs, 1, std::move(utils), nullptr, true);
+        logger->setRetryInterval(std::chrono::hours(24));
         logger->start(movePreviousRun);
         return logger;
     }

@@ -1,11 +1,12 @@
+#include "AsyncQueue/AsyncQueue.h"
 #include "logging/LogCall.h"
 #include "logging/RootLogger.h"
-#include "support/ErrorWatch.h"
 #include "support/FatalLogSink.h"
+#include "support/Signal.h"
 
 #include <gmock/gmock.h>
 
-#include <memory>
+#include <chrono>
 #include <thread>
 
 namespace tarn {
@@ -13,125 +14,112 @@ namespace {
 
 using ::testing::ElementsAre;
 
-std::shared_ptr<testing::FatalLogSink> sharedSink() {
-    // The logger keeps its sinks for ever.
-    static const auto& sink = *new std::shared_ptr<testing::FatalLogSink>([] {
-        auto created = std::make_shared<testing::FatalLogSink>();
-        RootLogger::getInstance().registerLogger(created);
-        testing::beforeErrorCheck([] { RootLogger::getInstance().flush(); });
-        return created;
-    }());
-    return sink;
-}
-
+/// The logger is one for the process, and keeps its queue and its sinks for ever.
 class RootLoggerTest : public ::testing::Test {
 protected:
-    RootLoggerTest() : mLogger(RootLogger::getInstance()), mSink(sharedSink()) {
-        mLogger.flush();
+    RootLoggerTest() {
+        static const std::size_t queuedAtStart = start();
+        EXPECT_EQ(queuedAtStart, 1U) << "what no sink is there for costs nothing";
         mLogger.setLogLevel(RootLoggerLevel::Trace);
-        mLogger.flush();
+        messages();
         mSink->take();
     }
 
-    /// All that was logged before. A flush gives up after five seconds, which a busy machine may
-    /// need: the last line of all tells that it is there.
+    std::size_t start() {
+        hold();
+        mLogger.init(mSink, nullptr, "folder");
+        log("the sink is not registered yet");
+        const std::size_t queued = mQueue->pendingTaskCount();
+        release();
+        return queued;
+    }
+    /// Keeps the worker busy.
+    void hold() {
+        mQueue->post("hold", TaskFunction([this] {
+                         mIsHolding.set();
+                         mMayGoOn.wait();
+                     }),
+                     0, 0);
+        mIsHolding.wait();
+    }
+    void release() { mMayGoOn.set(); }
+    /// Runs on the worker, and waits for it.
+    void run(const std::function<void()>& work) {
+        testing::Signal isDone;
+        mQueue->post("run", TaskFunction([&] {
+                         work();
+                         isDone.set();
+                     }),
+                     0, 0);
+        isDone.wait();
+    }
+    /// All that was logged before.
     std::vector<std::string> messages() {
-        const std::string end = "the end";
-        log(end, RootLoggerLevel::Test);
-        std::vector<std::string> all;
-        while (std::erase(all, end) == 0) {
-            mLogger.flush();
-            all = mSink->messages();
-        }
-        return all;
+        run([] {});
+        run([] {}); // the first may have come before the worker's own lines
+        return mSink->messages();
     }
-    static void log(const std::string& message,
-                    RootLoggerLevel::Level level = RootLoggerLevel::Info) {
-        RootLogger::log(message, level, 1, "File", "function", "");
+    static void log(const std::string& message) {
+        RootLogger::log(message, RootLoggerLevel::Info, 1, "File", "function", "");
     }
 
-    RootLogger& mLogger;
-    std::shared_ptr<testing::FatalLogSink> mSink;
+    template <typename T, typename... Arguments>
+    static const std::shared_ptr<T>& leaked(Arguments... arguments) {
+        static const auto& kept = *new std::shared_ptr<T>(std::make_shared<T>(arguments...));
+        return kept;
+    }
+
+    const std::shared_ptr<AsyncQueue>& mQueue = leaked<AsyncQueue>("RootLogger", false);
+    const std::shared_ptr<testing::FatalLogSink>& mSink = leaked<testing::FatalLogSink>();
+    RootLogger& mLogger = RootLogger::getInstance(mQueue);
+    testing::Signal mIsHolding;
+    testing::Signal mMayGoOn;
 };
 
-/// Runs an action on the worker, once, when a certain message comes by.
-class ActingSink : public ILogger {
-public:
-    ActingSink(std::string message, std::function<void()> action)
-        : mMessage(std::move(message)), mAction(std::move(action)) {}
-    void log(const std::string& /*line*/, const LogComponents& components) override {
-        if (components.message == mMessage) {
-            std::exchange(mAction, [] {})();
-        }
-    }
-    void clearLogs() override {}
-    void close() override {}
-    void flush() override {}
-
-private:
-    std::string mMessage;
-    std::function<void()> mAction;
-};
-
-TEST_F(RootLoggerTest, TakesTheCallsOfTheLogMacro) {
-    TARN_LOG_AT(RootLoggerLevel::Warn, 42, "value: " << 7);
+TEST_F(RootLoggerTest, TakesTheCallsOfTheLogMacroAndTellsOfANewLevelBeforeItCounts) {
     TARN_LOG(RootLoggerLevel::Trace, "never" << (ADD_FAILURE(), ""));
-    mLogger.flush();
-    const auto written = mSink->take();
-    ASSERT_EQ(written.size(), 1U);
-    EXPECT_THAT(written.front().first,
-                ::testing::EndsWith("][]RootLoggerTest:42 TestBody::value: 7"));
-    EXPECT_EQ(written.front().second.level, "Warn");
-}
-
-TEST_F(RootLoggerTest, DropsTraceUnknownAndPrivateByDefault) {
-    for (int level = 0; level <= 7; ++level) {
-        log(std::to_string(level), static_cast<RootLoggerLevel::Level>(level));
-    }
-    testing::expectErrorLine("5");
-    EXPECT_THAT(messages(), ElementsAre("2", "3", "4", "5", "7"));
-}
-
-TEST_F(RootLoggerTest, TellsOfANewLevelBeforeItCounts) {
     mLogger.setLogLevel(RootLoggerLevel::Unknown);
     mLogger.setLogLevel(RootLoggerLevel::Warn);
-    log("dropped");
-    log("kept", RootLoggerLevel::Warn);
-    mLogger.setLogLevel(RootLoggerLevel::Error);
+    TARN_LOG(RootLoggerLevel::Info, "never" << (ADD_FAILURE(), ""));
+    TARN_LOG_AT(RootLoggerLevel::Warn, 42, "value: " << 7);
     mLogger.setLogLevel(RootLoggerLevel::Debug);
-    EXPECT_THAT(messages(), ElementsAre("Setting Log level to Warn", "kept"));
+    EXPECT_THAT(messages(), ElementsAre("Setting Log level to Warn", "value: 7"));
+    EXPECT_THAT(mSink->lines().back(),
+                ::testing::EndsWith("][]RootLoggerTest:42 TestBody::value: 7"));
 }
 
-TEST_F(RootLoggerTest, MasksBlockedStringsOnceTheyAreLongEnough) {
+TEST_F(RootLoggerTest, MasksWhatWaitsWhenAStringIsBlocked) {
     static int round = 10; // the logger never forgets a string, also when the case is repeated
     const std::string secret = "passphrase" + std::to_string(round++);
+    hold();
     mLogger.blockListString("xy");
-    mLogger.blockListString(secret);
-    mLogger.blockListString(secret);
-    mLogger.flush(); // the worker logs, too
     log("xy and " + secret);
+    mLogger.blockListString(secret);
+    mLogger.blockListString(secret);
+    release();
     EXPECT_THAT(messages(),
                 ElementsAre("Attempting to add a string below minimum length to blocklist! "
                             "Length: 2",
-                            "Adding blocklisted string of length: 12", "xy and ********"));
-    EXPECT_EQ(mLogger.filterStrings("my " + secret + " is " + secret), "my ******** is ********");
+                            "xy and ********", "Adding blocklisted string of length: 12"));
+    EXPECT_EQ(mLogger.filterStrings(secret + " is " + secret), "******** is ********");
 }
 
-TEST_F(RootLoggerTest, FlushesAndFiltersInsideItsOwnWorker) {
+TEST_F(RootLoggerTest, WaitsFiveSecondsForAFlushAndOnItsOwnWorkerNotAtAll) {
+    using namespace std::chrono;
+    hold();
+    const auto begin = steady_clock::now();
+    mLogger.flush();
+    const auto waited = steady_clock::now() - begin;
+    release();
+    EXPECT_GE(waited, milliseconds(4900));
+    EXPECT_LE(waited, seconds(30));
     mLogger.blockListString("inner secret");
-    std::string filtered;
-    int flushes = 0;
-    mLogger.registerLogger(std::make_shared<ActingSink>("act on the worker", [&] {
-        filtered = mLogger.filterStrings("an inner secret");
+    run([&] {
+        EXPECT_EQ(mSink->flushCount(), 1) << "the task outlives the wait";
         mLogger.flush();
-        flushes = mSink->flushCount();
-    }));
-    mLogger.flush();
-    mSink->take();
-    log("act on the worker");
-    mLogger.flush();
-    EXPECT_EQ(filtered, "an ********");
-    EXPECT_EQ(flushes, 1);
+        EXPECT_EQ(mSink->flushCount(), 2);
+        EXPECT_EQ(mLogger.filterStrings("an inner secret"), "an ********");
+    });
 }
 
 TEST_F(RootLoggerTest, LetsTheProcessExitWhileThreadsLog) {
