@@ -3,89 +3,62 @@
 
 #include <QDir>
 #include <QTranslator>
-#include <gtest/gtest.h>
-
-#include <map>
 
 namespace recordconverter::app::test {
 namespace {
 
-constexpr const char* kSources[] = {"Your recording is being prepared. Please wait.",
-                                    "Your recording is ready.",
-                                    "Your recording conversion has failed."};
+const QStringList kEnglish{"Your recording is being prepared. Please wait.",
+                           "Your recording is ready.", "Your recording conversion has failed."};
 
-/// A translation file that has each text under one context.
+/// Knows each text under one context only.
 class ContextTranslator : public QTranslator {
 public:
-    explicit ContextTranslator(std::map<QString, QString> contexts)
-        : mContexts(std::move(contexts)) {}
-    QString translate(const char* context, const char* source, const char*, int) const override {
-        const auto found = mContexts.find(source);
-        return found != mContexts.end() && found->second == context ? QString("<%1>").arg(source)
-                                                                    : QString();
+    explicit ContextTranslator(const QStringList& contexts) : mContexts(contexts) {}
+    QString translate(const char* context, const char* text, const char*, int) const override {
+        return mContexts[kEnglish.indexOf(text)] == context ? QString("<%1>").arg(text) : QString();
     }
 
 private:
-    std::map<QString, QString> mContexts;
+    QStringList mContexts;
 };
 
 QStringList textsWith(QTranslator& translator) {
     LocalizationStrings strings;
     strings.loadSourceTexts();
     strings.translateAll(translator);
-    EXPECT_EQ(strings.text(7), QString());
     return {strings.text(0), strings.text(1), strings.text(2)};
 }
 
 } // namespace
 
-TEST(LocalizationStrings, AreEnglishWithoutATranslationAndEmptyBeforeTheyAreLoaded) {
-    QTranslator empty;
-    EXPECT_EQ(textsWith(empty), QStringList({kSources[0], kSources[1], kSources[2]}));
-    EXPECT_EQ(LocalizationStrings().text(0), QString());
-}
-
-TEST(LocalizationStrings, AreTranslatedUnderTheirOwnContextsOnly) {
-    ContextTranslator right(
-        {{kSources[0], "PopupConverterToast"}, {kSources[1], "QObject"}, {kSources[2], "QObject"}});
-    for (const QString& text : textsWith(right)) {
-        EXPECT_TRUE(text.startsWith('<')) << text.toStdString();
-    }
-    ContextTranslator wrong({{kSources[0], "QObject"},
-                             {kSources[1], "PopupConverterToast"},
-                             {kSources[2], "PopupConverterToast"}});
-    EXPECT_EQ(textsWith(wrong), QStringList({kSources[0], kSources[1], kSources[2]}));
+TEST(LocalizationStrings, AreTranslatedUnderTheirOwnContextsAndEnglishOtherwise) {
+    ContextTranslator right({"PopupConverterToast", "QObject", "QObject"});
+    ContextTranslator wrong({"QObject", "PopupConverterToast", "PopupConverterToast"});
+    EXPECT_EQ(textsWith(right).filter("<").size(), 3);
+    EXPECT_EQ(textsWith(wrong), kEnglish);
 }
 
 TEST(Translations, ComeInEveryLanguageWithAllTextsAndFitTheToastWhole) {
-    const QStringList names =
-        QDir(QStringLiteral(RUNTIME_FOLDER "/translations")).entryList({"*.qm"});
-    const QStringList expected{"ar",    "cs",    "da",    "de",    "es",   "fr", "he", "hu",
-                               "it",    "ja",    "ko",    "nb",    "nl",   "pl", "pt", "pt_BR",
-                               "ro",    "pt_PT", "ru",    "sv",    "tr",   "uk", "vi", "zh",
-                               "zh_CN", "zh_HK", "zh_MO", "zh_SG", "zh_TW"};
-    EXPECT_EQ(names.size(), expected.size());
+    const QStringList files = QDir(RUNTIME_FOLDER "/translations").entryList({"*.qm"});
+    const QString locales =
+        "ar cs da de es fr he hu it ja ko nb nl pl pt pt_BR pt_PT ro ru sv tr uk vi "
+        "zh zh_CN zh_HK zh_MO zh_SG zh_TW";
+    EXPECT_EQ(QString(files.join(' ')).remove("tarn-windows-client.").remove(".qm"), locales);
     Toast toast;
-    for (const char* const view : {"viewStart", "viewFinish", "viewError"}) {
+    for (const QString view : {"viewStart", "viewFinish", "viewError"}) {
         toast.showAndSettle(view);
-        for (const QString& locale : expected) {
+        for (const QString& file : files) {
+            SCOPED_TRACE(file.toStdString());
             QTranslator translator;
-            ASSERT_TRUE(translator.load(
-                QStringLiteral(RUNTIME_FOLDER "/translations/tarn-windows-client.%1.qm")
-                    .arg(locale)))
-                << locale.toStdString();
+            ASSERT_TRUE(translator.load(file, RUNTIME_FOLDER "/translations"));
             const QStringList texts = textsWith(translator);
             for (int id = 0; id < 3; ++id) {
-                EXPECT_NE(texts[id], kSources[id]) << locale.toStdString();
+                EXPECT_NE(texts[id], kEnglish[id]);
+                toast.controller.setProperty(kTextProperties[id], texts[id]);
             }
-            toast.controller.startedText = texts[0];
-            toast.controller.finishedText = texts[1];
-            toast.controller.errorText = texts[2];
-            emit toast.controller.infoChanged();
-            toast.grab();
+            toast.window->grabWindow();
             const QQuickItem* const text = toast.row(view)[1];
-            EXPECT_FALSE(text->property("truncated").toBool())
-                << locale.toStdString() << ' ' << view;
+            EXPECT_FALSE(text->property("truncated").toBool());
             EXPECT_LE(text->property("contentHeight").toDouble(), 68);
         }
     }

@@ -1,16 +1,19 @@
 #pragma once
 
 #include <QLocale>
-#include <QObject>
 #include <QQmlApplicationEngine>
+#include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QStringList>
 #include <QTest>
+#include <gtest/gtest.h>
 
-#include <memory>
+#include <stdexcept>
 
 namespace recordconverter::app::test {
+
+constexpr const char* kTextProperties[] = {"convertingStartedText", "convertingFinishedText",
+                                           "convertingErrorText"};
 
 /// What the window sees of a controller, recording what it asks for.
 class StubController : public QObject {
@@ -27,18 +30,11 @@ public:
     QString errorText = "Your recording conversion has failed.";
     QStringList calls;
 
-    void setTexts(const QString& text) {
-        startedText = finishedText = errorText = text;
-        emit infoChanged();
-    }
-
 signals:
     void convertStarted();
-    void convertProgress(float progress, QString recordedFile);
     void convertFinished(QString recordedFile);
     void convertError(int error, QString recordedFile);
     void infoChanged();
-    void exitProcess();
 
 public slots:
     void open() { calls << "open"; }
@@ -46,37 +42,71 @@ public slots:
     void close() { calls << "close"; }
 };
 
-/// The real window with a stub controller. Qt's warnings while it lives are kept.
+/// Waits for a condition while events run; false after five seconds.
+bool waitFor(const auto& condition) {
+    return QTest::qWaitFor(condition, 5000);
+}
+
+/// The real window with a stub controller. A warning of Qt's while it lives fails the test.
 class Toast {
 public:
-    explicit Toast(const QLocale& locale = QLocale("en_US"), bool dark = false);
-    ~Toast();
-    Toast(const Toast&) = delete;
-    Toast& operator=(const Toast&) = delete;
+    explicit Toast(const QLocale& locale = QLocale("en_US")) {
+        warnings.clear();
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+            if (type != QtDebugMsg && type != QtInfoMsg) {
+                warnings << text;
+            }
+        });
+        QLocale::setDefault(locale);
+        engine.setImportPathList(
+            {QStringLiteral(RUNTIME_FOLDER "/qml"), QStringLiteral("qrc:/qt-project.org/imports")});
+        engine.rootContext()->setContextProperty("mediaConverterController", &controller);
+        engine.load(QUrl("qrc:/MediaConverterNotification.qml"));
+        if (engine.rootObjects().isEmpty()) {
+            throw std::runtime_error("no window: " + warnings.join('\n').toStdString());
+        }
+        window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+        window->requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    ~Toast() {
+        qInstallMessageHandler(nullptr);
+        EXPECT_EQ(warnings, QStringList());
+    }
 
     StubController controller;
     QQmlApplicationEngine engine;
     QQuickWindow* window = nullptr;
-    QStringList warnings;
+    static inline QStringList warnings;
 
     /// Shows a view by its signal: "viewStart", "viewFinish" or "viewError".
-    void show(const QString& view);
-    void showAndSettle(const QString& view);
-    QQuickItem* view(const QString& name) const;
-    /// The items of a view's row, in order of declaration.
-    QList<QQuickItem*> row(const QString& view) const;
-    QQuickItem* button(const QString& view, const QString& svg) const;
-    QStringList visibleViews() const;
-    void click(const QQuickItem* item);
-    static QRectF inWindow(const QQuickItem* item);
-    /// What is on the screen, in device pixels.
-    QImage grab() const;
+    void show(const QString& name) {
+        if (name == "viewStart") {
+            emit controller.convertStarted();
+        } else if (name == "viewFinish") {
+            emit controller.convertFinished("/tmp/meeting.mp4");
+        } else {
+            emit controller.convertError(7, "/tmp/meeting.mp4");
+        }
+    }
+    void showAndSettle(const QString& name) {
+        show(name);
+        EXPECT_TRUE(waitFor([&] { return view(name)->y() == 200; }));
+        QTest::qWait(0);
+    }
+    QQuickItem* view(const QString& name) const { return window->findChild<QQuickItem*>(name); }
+    /// A view's icon, its text and its buttons, of which the last one closes it.
+    QList<QQuickItem*> row(const QString& name) const {
+        return view(name)->childItems().constFirst()->childItems();
+    }
+    QStringList visibleViews() const {
+        QStringList visible{"viewStart", "viewFinish", "viewError"};
+        visible.removeIf([&](const QString& name) { return !view(name)->isVisible(); });
+        return visible;
+    }
+    static QRectF inWindow(const QQuickItem* item) {
+        return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    }
 };
-
-/// Waits for a condition while events run; false after five seconds.
-template <typename Condition>
-bool waitFor(const Condition& condition) {
-    return QTest::qWaitFor(condition, 5000);
-}
 
 } // namespace recordconverter::app::test
