@@ -22,66 +22,66 @@
 
 namespace {
 
-constexpr int kNone = 0;
 constexpr int kShort = -1;
-constexpr int kKill = -2;
 
 struct Rule {
     std::string call;
     std::string pathPart;
     long first = 1;
     long last = 0;
-    int action = kNone;
+    std::string action;
     std::atomic<long> calls{0};
 };
 
-std::deque<Rule> readRules() {
-    std::deque<Rule> rules;
-    const char* variable = std::getenv("FAULTY_CALLS");
-    std::istringstream texts(variable == nullptr ? "" : variable);
-    for (std::string text; std::getline(texts, text, ';');) {
-        Rule& rule = rules.emplace_back();
-        std::string action;
-        std::istringstream(text) >> rule.call >> rule.pathPart >> rule.first >> rule.last >> action;
-        rule.action = action == "short"  ? kShort
-                      : action == "kill" ? kKill
-                                         : std::atoi(action.c_str());
-    }
-    return rules;
+std::deque<Rule>& rules() {
+    static std::deque<Rule>& all = *[] {
+        auto* read = new std::deque<Rule>;
+        const char* variable = std::getenv("FAULTY_CALLS");
+        std::istringstream texts(variable == nullptr ? "" : variable);
+        for (std::string text; std::getline(texts, text, ';');) {
+            Rule& rule = read->emplace_back();
+            std::istringstream(text) >> rule.call >> rule.pathPart >> rule.first >> rule.last >>
+                rule.action;
+        }
+        return read;
+    }();
+    return all;
 }
 
-/// What is to happen instead of a call. Leaves errno as the call has to.
+/// What is to happen instead of a call: an errno number, which is set then, kShort, or 0: nothing.
 int faultOf(const char* call, const std::string& path) {
-    static std::deque<Rule>& rules = *new std::deque<Rule>(readRules());
-    for (Rule& rule : rules) {
-        if (rule.call != call || path.find(rule.pathPart) == std::string::npos) {
+    for (Rule& rule : rules()) {
+        if (rule.call != call || !path.contains(rule.pathPart)) {
             continue;
         }
         const long count = ++rule.calls;
         if (count < rule.first || (rule.last != 0 && count > rule.last)) {
             continue;
         }
-        if (rule.action == kKill) {
+        if (rule.action == "kill") {
             ::raise(SIGKILL);
         }
-        if (rule.action > 0) {
-            errno = rule.action;
+        if (rule.action == "short") {
+            return kShort;
         }
-        return rule.action;
+        return errno = std::atoi(rule.action.c_str());
     }
-    return kNone;
+    return 0;
 }
 
 int faultOf(const char* call, int file) {
     char path[4096];
     const std::string link = "/proc/self/fd/" + std::to_string(file);
     const ssize_t size = ::readlink(link.c_str(), path, sizeof path);
-    return size <= 0 ? kNone : faultOf(call, std::string(path, static_cast<std::size_t>(size)));
+    return size <= 0 ? 0 : faultOf(call, std::string(path, static_cast<std::size_t>(size)));
 }
 
-template <class Function>
-Function next(const char* name) {
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+/// The call itself, unless it has to fail.
+template <class Result, class... Arguments>
+Result call(const char* name, int fault, Arguments... arguments) {
+    return fault > 0
+               ? Result{-1}
+               : reinterpret_cast<Result (*)(Arguments...)>(::dlsym(RTLD_NEXT, name))(arguments...);
 }
 
 std::size_t shortened(int fault, std::size_t size) {
@@ -93,89 +93,56 @@ std::size_t shortened(int fault, std::size_t size) {
 extern "C" {
 
 ssize_t read(int file, void* buffer, std::size_t size) {
-    static const auto real = next<ssize_t (*)(int, void*, std::size_t)>("read");
     const int fault = faultOf("read", file);
-    return fault > 0 ? -1 : real(file, buffer, shortened(fault, size));
+    return call<ssize_t>("read", fault, file, buffer, shortened(fault, size));
 }
 
 ssize_t pread(int file, void* buffer, std::size_t size, off_t at) {
-    static const auto real = next<ssize_t (*)(int, void*, std::size_t, off_t)>("pread");
     const int fault = faultOf("read", file);
-    return fault > 0 ? -1 : real(file, buffer, shortened(fault, size), at);
-}
-
-ssize_t pread64(int file, void* buffer, std::size_t size, off64_t at) {
-    return pread(file, buffer, size, at);
+    return call<ssize_t>("pread", fault, file, buffer, shortened(fault, size), at);
 }
 
 ssize_t write(int file, const void* buffer, std::size_t size) {
-    static const auto real = next<ssize_t (*)(int, const void*, std::size_t)>("write");
     const int fault = faultOf("write", file);
-    return fault > 0 ? -1 : real(file, buffer, shortened(fault, size));
-}
-
-ssize_t writev(int file, const iovec* parts, int count) {
-    static const auto real = next<ssize_t (*)(int, const iovec*, int)>("writev");
-    const int fault = faultOf("write", file);
-    if (fault == kShort && count > 0) {
-        const iovec& last = parts[count - 1];
-        const iovec half{last.iov_base, shortened(fault, last.iov_len)};
-        return count > 1 ? real(file, parts, count - 1) : real(file, &half, 1);
-    }
-    return fault > 0 ? -1 : real(file, parts, count);
+    return call<ssize_t>("write", fault, file, buffer, shortened(fault, size));
 }
 
 ssize_t pwrite(int file, const void* buffer, std::size_t size, off_t at) {
-    static const auto real = next<ssize_t (*)(int, const void*, std::size_t, off_t)>("pwrite");
     const int fault = faultOf("write", file);
-    return fault > 0 ? -1 : real(file, buffer, shortened(fault, size), at);
+    return call<ssize_t>("pwrite", fault, file, buffer, shortened(fault, size), at);
 }
 
-ssize_t pwrite64(int file, const void* buffer, std::size_t size, off64_t at) {
-    return pwrite(file, buffer, size, at);
+ssize_t writev(int file, const iovec* parts, int count) {
+    const int fault = faultOf("write", file);
+    const iovec half{parts->iov_base, shortened(fault, parts->iov_len)};
+    return fault == kShort ? call<ssize_t>("writev", fault, file, &half, 1)
+                           : call<ssize_t>("writev", fault, file, parts, count);
 }
 
 int fsync(int file) {
-    static const auto real = next<int (*)(int)>("fsync");
-    return faultOf("fsync", file) > 0 ? -1 : real(file);
+    return call<int>("fsync", faultOf("fsync", file), file);
 }
 
 int close(int file) {
-    static const auto real = next<int (*)(int)>("close");
     // As the system does it: the file is closed whatever close() says.
     const int fault = faultOf("close", file);
-    const int result = real(file);
-    if (fault > 0) {
-        errno = fault;
-        return -1;
-    }
-    return result;
+    const int result = call<int>("close", 0, file);
+    return fault > 0 ? (errno = fault, -1) : result;
 }
 
 int rename(const char* from, const char* to) noexcept {
-    static const auto real = next<int (*)(const char*, const char*)>("rename");
-    return faultOf("rename", std::string(from)) > 0 ? -1 : real(from, to);
+    return call<int>("rename", faultOf("rename", from), from, to);
 }
 
 int unlink(const char* path) noexcept {
-    static const auto real = next<int (*)(const char*)>("unlink");
-    return faultOf("unlink", std::string(path)) > 0 ? -1 : real(path);
-}
-
-int remove(const char* path) noexcept {
-    static const auto real = next<int (*)(const char*)>("remove");
-    return faultOf("unlink", std::string(path)) > 0 ? -1 : real(path);
+    return call<int>("unlink", faultOf("unlink", path), path);
 }
 
 int open(const char* path, int flags, ...) {
-    static const auto real = next<int (*)(const char*, int, mode_t)>("open");
-    mode_t mode = 0;
-    if ((flags & (O_CREAT | O_TMPFILE)) != 0) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
-    return faultOf("open", std::string(path)) > 0 ? -1 : real(path, flags, mode);
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return call<int>("open", faultOf("open", path), path, flags, mode);
 }
 }

@@ -3,55 +3,43 @@
 #include "faults/FaultFixture.h"
 #include "support/FakeLibraries.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <regex>
 
 namespace e2e {
 namespace {
 
-using tarn::testing::fakeEngineFolder;
-using ::testing::AllOf;
-using ::testing::AnyOf;
-using ::testing::ElementsAreArray;
-using ::testing::HasSubstr;
-
 class LogFaults : public FaultFixture {
 protected:
-    /// The lines of the last run without what differs from run to run, and those of the logger's
-    /// own worker apart: they come in among the others wherever the threads' race puts them.
-    std::vector<std::string> comparableLines() const {
-        static const std::regex changing(
-            R"(^\S+Z|\[\d+:0x[0-9a-f]+\]|0x[0-9a-f]+|[\w/.-]*/[\w/.-]*)");
-        std::vector<std::string> lines = logLines();
-        for (std::string& line : lines) {
-            line = std::regex_replace(line, changing, "");
-        }
-        std::ranges::sort(std::ranges::stable_partition(
-            lines, [](const std::string& line) { return !line.contains("addBlockedString"); }));
-        return lines;
-    }
     Process::Start fakeRun(const std::string& rules, const std::string& script) const {
-        return faulty(rules, {"--engine-folder", fakeEngineFolder("whole"),
+        return faulty(rules, {"--engine-folder", tarn::testing::fakeEngineFolder("whole"),
                               mFolder.write("script.mkv", script), mDestination});
+    }
+    /// Runs and gives the log without what changes from run to run: times, numbers of threads, and
+    /// the lines of the logger's own worker, which come wherever the threads' race puts them.
+    std::vector<std::string> messages(const std::string& rules) const {
+        static const std::regex changing(R"(^.*?\]\[|0x[0-9a-f]+)");
+        const ProcessResult result =
+            runProcess(fakeRun(rules, "progress 10\nwrite done\nprogress 100"));
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.errors.contains("Failed to write log file at :"), !rules.empty());
+        std::vector<std::string> found;
+        for (const std::string& line : logLines()) {
+            if (!line.contains("addBlockedString")) {
+                found.push_back(std::regex_replace(line, changing, ""));
+            }
+        }
+        return found;
     }
 };
 
 TEST_F(LogFaults, EveryLineArrivesOnceAndInOrderWhenWritesFailForAWhile) {
-    const std::string script = "progress 10\nwrite done\nprogress 100";
-    ASSERT_EQ(tarn::testing::runProcess(fakeRun("", script)).status, 0);
-    const std::vector<std::string> undisturbed = comparableLines();
+    const std::vector<std::string> undisturbed = messages("");
     ASSERT_GT(undisturbed.size(), 8U);
     for (const std::string rules :
          {"write current_log.txt 1 1 5", "write current_log.txt 2 3 28",
           "write current_log.txt 1 1 short;write current_log.txt 2 3 28"}) {
-        SCOPED_TRACE(rules);
-        const ProcessResult result = tarn::testing::runProcess(fakeRun(rules, script));
-        EXPECT_EQ(result.status, 0);
-        EXPECT_THAT(result.errors, HasSubstr("Failed to write log file at :"));
-        EXPECT_THAT(comparableLines(), ElementsAreArray(undisturbed));
+        EXPECT_EQ(messages(rules), undisturbed) << rules;
     }
 }
 
@@ -67,7 +55,6 @@ TEST_F(LogFaults, LinesOfTheTimeWithoutAFolderAreWrittenOnceThereIsOne) {
     ASSERT_FALSE(lines.empty());
     EXPECT_THAT(lines.front(), HasSubstr("Setting Log level to Debug"));
     EXPECT_EQ(logged("record-converter 1."), 1);
-    EXPECT_EQ(logged("The conversion is interrupted."), 1);
     EXPECT_EQ(logged("The conversion ends with status 130"), 1);
 }
 
@@ -82,40 +69,26 @@ TEST_F(LogFaults, AnEngineThatCrashesTakesNeitherRecordingNorEarlierLinesWithIt)
     const std::string script = "progress 10\nwrite part\ncrash";
     const std::string source = mFolder.write("script.mkv", script);
     const ProcessResult result = launchFake("whole", {"--delete-sources", source, mDestination});
-    EXPECT_THAT(result.status, AnyOf(128 + 6, 1)); // 1: a sanitizer has reported it
-    EXPECT_EQ(tarn::testing::readFile(source), script);
+    EXPECT_THAT(result.status, ::testing::AnyOf(128 + 6, 1)); // 1: a sanitizer has reported it
+    EXPECT_EQ(readFile(source), script);
     EXPECT_EQ(logged("record-converter 1."), 1);
 }
 
-TEST_F(LogFaults, NoNameOrTextFromOutsideForgesALineOrIsWrittenRaw) {
-    const std::string forged =
-        "x\n2024-05-01T09:30:05Z <Error> [1:0x1][]Forged:1 f::forged\r\x1B[2J";
-    const std::vector<std::string> names{forged, "a|b.mkv", "a:b.mkv", "\xE2\x80\xA8.mkv",
-                                         std::string(250, 'n')};
-    for (const std::string& name : names) {
-        const std::string source = mFolder.write(name, "write done\nprogress 100");
-        const ProcessResult result = launchFake("whole", {source, mDestination});
-        EXPECT_EQ(result.status, 0) << result.errors;
-        tarn::FileUtils().remove(source);
-        // The engine's own trace, with the whole path in it.
-        const std::string broken = mFolder.write(name, "no recording");
-        EXPECT_EQ(launch({broken, mDestination}).status, 1);
-        const std::regex format(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ <\w+> \[\d+:0x[0-9a-f]+\].*)");
+TEST_F(LogFaults, NoNameFromOutsideForgesALineOrIsWrittenRaw) {
+    const std::regex format(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ <\w+> \[\d+:0x[0-9a-f]+\].*)");
+    for (const std::string& name :
+         {std::string("x\n2024-05-01T09:30:05Z <Error> [1:0x1][]Forged:1 f::forged\r\x1B[2J"),
+          std::string("a|b:c.mkv"), std::string("\xE2\x80\xA8.mkv"), std::string(250, 'n')}) {
+        // The engine's own trace has the whole path in it.
+        const std::string source = mFolder.write(name, "no recording");
+        EXPECT_EQ(launch({source, mDestination}).status, 1);
         for (const std::string& line : logLines()) {
-            EXPECT_TRUE(std::regex_match(line, format)) << line;
-            EXPECT_THAT(line, ::testing::Not(::testing::StartsWith("2024-")));
-            for (const char byte : line) {
-                EXPECT_TRUE(static_cast<unsigned char>(byte) >= 0x20 || byte == '\t') << line;
-            }
+            EXPECT_TRUE(std::regex_match(line, format) && !line.starts_with("2024-")) << line;
+            EXPECT_TRUE(std::ranges::none_of(line, [](char byte) {
+                return static_cast<unsigned char>(byte) < 0x20 && byte != '\t';
+            })) << line;
             EXPECT_FALSE(line.contains("\xE2\x80\xA8"));
         }
-        tarn::FileUtils().remove(broken);
-    }
-    for (const std::string& odd : {std::string(32000, 'a'), std::string(32000, '|'),
-                                   std::string("\xFF\xC0\xED\xA0\x80"), std::string("\x01\x02")}) {
-        EXPECT_EQ(launch({odd, mDestination}).status, 2);
-        EXPECT_EQ(launch({"--engine-folder", odd, mSource, mDestination}).status, 2);
-        EXPECT_EQ(launch({mSource, odd}).status, 2);
     }
 }
 
