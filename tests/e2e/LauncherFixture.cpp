@@ -1,7 +1,6 @@
 #include "e2e/LauncherFixture.h"
 
 #include "platform/Identity.h"
-#include "support/FakeLibraries.h"
 #include "utils/FileUtils.h"
 
 #include <algorithm>
@@ -11,30 +10,13 @@ namespace e2e {
 Process::Start LauncherFixture::windowCommand(const std::vector<std::string>& arguments) const {
     const tarn::FileUtils files;
     const std::string own = tarn::platform::programFile();
-    const std::string build = files.directoryOfPath(own) + "..";
-    const std::string program = files.joinPath(files.joinPath(build, "bin"),
-                                               "record-converter" + files.extensionOfPath(own));
-    Process::Start start{.command = {program},
-                         .environment = {{"XDG_DATA_HOME", mData.path()}},
-                         .folder = mFolder.path()};
+    const std::string programs = files.joinPath(files.directoryOfPath(own) + "..", "bin");
+    Process::Start start{
+        .command = {files.joinPath(programs, "record-converter" + files.extensionOfPath(own))},
+        .environment = {{"XDG_DATA_HOME", mData.path()}},
+        .folder = mFolder.path()};
     start.command.insert(start.command.end(), arguments.begin(), arguments.end());
     return start;
-}
-
-Process::Start LauncherFixture::command(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), "--no-window");
-    return windowCommand(arguments);
-}
-
-ProcessResult LauncherFixture::launch(const std::vector<std::string>& arguments) const {
-    return tarn::testing::runProcess(command(arguments));
-}
-
-ProcessResult LauncherFixture::launchFake(const std::string& variant,
-                                          std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(),
-                     {"--engine-folder", tarn::testing::fakeEngineFolder(variant)});
-    return launch(arguments);
 }
 
 std::string LauncherFixture::logFolder() const {
@@ -54,10 +36,9 @@ int LauncherFixture::logged(const std::string& text) const {
 }
 
 std::vector<std::string> LauncherFixture::filesLeft() const {
-    std::vector<std::string> names;
-    const tarn::FileUtils files;
-    for (const std::string& path : files.getFilesRecursive(mFolder.path())) {
-        names.push_back(path.substr(mFolder.path().size() + 1));
+    std::vector<std::string> names = tarn::FileUtils().getFilesRecursive(mFolder.path());
+    for (std::string& name : names) {
+        name.erase(0, mFolder.path().size() + 1);
     }
     std::ranges::sort(names);
     return names;

@@ -1,17 +1,25 @@
 #pragma once
 
+#include "support/FakeLibraries.h"
 #include "support/ProcessRunner.h"
 #include "support/TemporaryFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
 
 namespace e2e {
 
+using tarn::testing::fakeEngineFolder;
 using tarn::testing::Process;
 using tarn::testing::ProcessResult;
+using tarn::testing::readFile;
+using tarn::testing::runProcess;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 /// Starts the built launcher with a data folder of the test's own, and looks at what it leaves.
 class LauncherFixture : public ::testing::Test {
@@ -19,10 +27,18 @@ protected:
     /// The launcher's command with the arguments, not started yet.
     Process::Start windowCommand(const std::vector<std::string>& arguments) const;
     /// The same with `--no-window` before them.
-    Process::Start command(std::vector<std::string> arguments) const;
-    ProcessResult launch(const std::vector<std::string>& arguments) const;
-    /// The same on a variant of the fake engine, whose script is `source`'s content.
-    ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const;
+    Process::Start command(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), "--no-window");
+        return windowCommand(arguments);
+    }
+    ProcessResult launch(const std::vector<std::string>& arguments) const {
+        return runProcess(command(arguments));
+    }
+    /// The same on a variant of the fake engine, whose script is the first source's content.
+    ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder(variant)});
+        return launch(arguments);
+    }
 
     /// Where the launcher says that its log is. Linux: of the test's own. Windows: the user's.
     std::string logFolder() const;

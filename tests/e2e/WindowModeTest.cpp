@@ -1,44 +1,27 @@
 // What the launcher hands to the product library, and what is left when that ends the process.
 
 #include "e2e/LauncherFixture.h"
-#include "support/FakeLibraries.h"
-
-#include <gmock/gmock.h>
-
-#include <array>
 
 namespace e2e {
 namespace {
 
-using tarn::testing::fakeEngineFolder;
-using tarn::testing::readFile;
-using tarn::testing::runProcess;
-using ::testing::AllOf;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-
 class WindowMode : public LauncherFixture {
 protected:
-    Process::Start start(const std::string& order, std::vector<std::string> arguments) const {
-        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder("whole")});
+    Process::Start start(const std::string& order, std::vector<std::string> arguments,
+                         const std::string& variant = "whole") const {
+        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder(variant)});
         Process::Start result = windowCommand(arguments);
         result.environment.emplace_back("FAKE_PRODUCT", order);
         result.environment.emplace_back("QT_QPA_PLATFORM", "offscreen");
         return result;
     }
 
-    /// With its lines ended alike on all systems.
-    static ProcessResult run(const Process::Start& start) {
-        ProcessResult result = runProcess(start);
-        std::erase(result.output, '\r');
-        return result;
-    }
-
     std::string mSource = mFolder.write("a b.mkv", "x");
 };
 
-TEST_F(WindowMode, HandsOverTheClientsArgumentsAndLendsASecondNameOfTheSource) {
-    const ProcessResult result = run(start("delete", {"--theme", "dark", mSource, mDestination}));
+TEST_F(WindowMode, HandsOverTheClientsArgumentsAndASecondNameOfASourceThatIsToStay) {
+    ProcessResult result = runProcess(start("delete", {"--theme", "dark", mSource, mDestination}));
+    std::erase(result.output, '\r');
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output,
                 AllOf(HasSubstr("record-converter"),
@@ -46,23 +29,20 @@ TEST_F(WindowMode, HandsOverTheClientsArgumentsAndLendsASecondNameOfTheSource) {
                       HasSubstr("4:" + mDestination + "\n5:2\nended\nsource there\n")));
     EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv"));
     EXPECT_EQ(readFile(mSource), "x");
-}
 
-TEST_F(WindowMode, HandsOverTheSourcesThemselvesWhenTheyAreToBeDeleted) {
-    const ProcessResult result = run(start("delete", {"--delete-sources", mSource, mDestination}));
+    result = runProcess(start("delete", {"--delete-sources", mSource, mDestination}));
+    std::erase(result.output, '\r');
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("3:" + mSource + "\n4:" + mDestination + "\n5:1\n"));
     EXPECT_THAT(filesLeft(), ElementsAre());
 }
 
 TEST_F(WindowMode, LeavesNoSecondNamesHoweverItEnds) {
-    const std::vector<std::pair<std::string, int>> cases{
-        {"exit", 0}, {"return 0", 0}, {"return -1", 1}};
+    const std::pair<std::string, int> cases[] = {{"exit", 0}, {"return 0", 0}, {"return -1", 1}};
     for (const auto& [order, status] : cases) {
-        SCOPED_TRACE(order);
         const std::string other = mFolder.write("b.mkv", "y");
         EXPECT_EQ(runProcess(start(order, {mSource, other, mDestination})).status, status);
-        EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv"));
+        EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv")) << order;
     }
     if (!Process::canInterrupt()) {
         GTEST_SKIP() << "there is no console to interrupt a program on";
@@ -75,14 +55,12 @@ TEST_F(WindowMode, LeavesNoSecondNamesHoweverItEnds) {
 }
 
 TEST_F(WindowMode, ChecksTheFilesTheEngineAndTheWindowBeforeOneAppears) {
-    const std::vector<std::array<std::string, 3>> cases{
+    const std::tuple<std::string, std::string, std::string> cases[] = {
         {"whole", "gone.mkv", "There is no recording"},
         {"no-factory", mSource, "CreateMediaConverter"},
         {"no-stop", mSource, "There is no window"}};
     for (const auto& [variant, source, told] : cases) {
-        Process::Start refused = start("exit", {source, mDestination});
-        refused.command[2] = fakeEngineFolder(variant);
-        const ProcessResult result = runProcess(refused);
+        const ProcessResult result = runProcess(start("exit", {source, mDestination}, variant));
         EXPECT_EQ(result.status, 2);
         EXPECT_THAT(result.errors, HasSubstr(told));
         EXPECT_EQ(result.output, "");

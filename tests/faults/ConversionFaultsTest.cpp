@@ -2,14 +2,11 @@
 
 #include "faults/FaultFixture.h"
 
-#include <array>
 #include <cerrno>
 #include <sys/mount.h>
 
 namespace e2e {
 namespace {
-
-using ::testing::AllOf;
 
 class ConversionFaults : public FaultFixture {};
 
@@ -37,7 +34,8 @@ TEST_F(ConversionFaults, AFailedCallIsAnErrorThatLeavesRecordingAndOlderDestinat
         mFolder.write("out.mp4", "older");
         const ProcessResult result = convert(calls + " " + std::to_string(error));
         EXPECT_EQ(result.status, 1);
-        EXPECT_THAT(result.errors, AllOf(HasSubstr("The conversion failed"), HasSubstr(code)));
+        EXPECT_THAT(result.errors,
+                    AllOf(HasSubstr("The conversion failed"), HasSubstr("error " + code + ": ")));
         EXPECT_TRUE(isSourceWhole());
         EXPECT_TRUE(readFile(mDestination) == "older");
         expectTidy();

@@ -3,15 +3,9 @@
 #include "e2e/LauncherFixture.h"
 #include "utils/FileUtils.h"
 
-#include <gmock/gmock.h>
-
 #include <string>
 
 namespace e2e {
-
-using tarn::testing::readFile;
-using tarn::testing::runProcess;
-using ::testing::HasSubstr;
 
 /// Converts a recording of some megabytes by the real program, with the calls of its process made
 /// to fail, and looks afterwards whether anything was lost.

@@ -1,7 +1,6 @@
 // What becomes of the log when its folder or disk fails under the running program.
 
 #include "faults/FaultFixture.h"
-#include "support/FakeLibraries.h"
 
 #include <algorithm>
 #include <regex>
@@ -12,7 +11,7 @@ namespace {
 class LogFaults : public FaultFixture {
 protected:
     Process::Start fakeRun(const std::string& rules, const std::string& script) const {
-        return faulty(rules, {"--engine-folder", tarn::testing::fakeEngineFolder("whole"),
+        return faulty(rules, {"--engine-folder", fakeEngineFolder("whole"),
                               mFolder.write("script.mkv", script), mDestination});
     }
     /// Runs and gives the log without what changes from run to run: times, numbers of threads, and
