@@ -4,19 +4,18 @@
 #include "platform/Text.h"
 
 #include <map>
-#include <set>
 #include <string>
 #include <tuple>
-#include <vector>
 
 namespace tarn::testing {
 
 /// A machine as the test describes it.
-class FakePolicySources : public loader::PolicySources {
-public:
+struct FakePolicySources : loader::PolicySources {
     using Place = std::tuple<platform::RegistryRoot, platform::RegistryView, std::wstring>;
 
-    std::string localApplicationDataFolder() const override { return localData; }
+    std::string localApplicationDataFolder() const override {
+        return "C:\\Users\\u\\AppData\\Local";
+    }
     std::string programFile() const override { return program; }
     std::optional<std::wstring> registryText(platform::RegistryRoot root,
                                              platform::RegistryView view, const std::wstring& key,
@@ -35,26 +34,17 @@ public:
                    ? policyValue
                    : std::nullopt;
     }
-    bool canReadFileProperties(const std::wstring& path) const override {
-        return !unreadable.contains(path);
-    }
+    bool canReadFileProperties(const std::wstring&) const override { return isReadable; }
     std::optional<std::wstring> embeddedSignerName(const std::wstring& path) const override {
         const auto found = signers.find(path);
         return found != signers.end() ? std::optional(found->second) : std::nullopt;
     }
 
-    /// Turns the protection on by a policy and a program that is signed.
-    void protect(const std::wstring& signer) {
-        policyValue = 1;
-        signers[platform::toWide(program)] = signer;
-    }
-
-    std::string localData = "C:\\Users\\u\\AppData\\Local";
     std::string program = "D:\\Tool\\record-converter.exe";
     std::map<Place, std::wstring> installPaths;
     std::optional<std::uint32_t> policyValue;
     std::map<std::wstring, std::wstring> signers;
-    std::set<std::wstring> unreadable;
+    bool isReadable = true;
 };
 
 } // namespace tarn::testing

@@ -1,15 +1,10 @@
 #include "FakePolicySources.h"
 #include "loader/AcceptedSigners.h"
-#include "loader/ClientFolders.h"
 #include "loader/InstallLocation.h"
 #include "loader/PathRules.h"
 #include "loader/SideLoadingPolicy.h"
-#include "platform/KnownFolders.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <tuple>
 
 namespace tarn::loader {
 namespace {
@@ -21,15 +16,12 @@ using testing::FakePolicySources;
 using Place = FakePolicySources::Place;
 
 const std::wstring kAccepted(kAcceptedSigners[3]);
-const Place kUser{RegistryRoot::CurrentUser, RegistryView::Default,
-                  L"Software\\Quorell Tarn Native"};
-const Place kMachine{RegistryRoot::LocalMachine, RegistryView::Default,
-                     L"Software\\Quorell Tarn Native"};
+const std::wstring kKey = L"Software\\Quorell Tarn Native";
+const Place kUser{RegistryRoot::CurrentUser, RegistryView::Default, kKey};
+const Place kMachine{RegistryRoot::LocalMachine, RegistryView::Default, kKey};
 const Place kMachine32{RegistryRoot::LocalMachine, RegistryView::Default,
                        L"Software\\WOW6432Node\\Quorell Tarn Native"};
-const Place kMachine64{RegistryRoot::LocalMachine, RegistryView::Native64,
-                       L"Software\\Quorell Tarn Native"};
-const std::wstring kLauncherFolder = L"C:\\Users\\u\\AppData\\Local\\QuorellTarnLauncher\\";
+const Place kMachine64{RegistryRoot::LocalMachine, RegistryView::Native64, kKey};
 
 TEST(PathRules, TakeAbsoluteDrivePathsWithoutForbiddenParts) {
     for (const wchar_t* path : {L"C:\\", L"z:\\a", L"C:\\a.b\\c d\\ü.dll", L"C:\\a:b"}) {
@@ -41,62 +33,49 @@ TEST(PathRules, TakeAbsoluteDrivePathsWithoutForbiddenParts) {
           L"C:\\*.dll", L"\\\\?\\C:\\a", L"\u00C4:\\a"}) {
         EXPECT_FALSE(isAbsoluteDrivePath(path)) << platform::toUtf8(path);
     }
-    EXPECT_EQ(parentFolder(L"C:\\a\\b.dll"), L"C:\\a\\");
-    EXPECT_EQ(parentFolder(L"b.dll"), L"");
 }
 
-TEST(InstallLocation, AsksInTheOrderOfThePreference) {
+TEST(InstallLocation, AsksInTheOrderOfThePreferenceAndKeepsAbsoluteDrivePathsSortedAndOnce) {
+    const std::wstring launcher = L"C:\\Users\\u\\AppData\\Local\\QuorellTarnLauncher\\";
     FakePolicySources machine;
     const InstallLocation location(machine);
     EXPECT_EQ(location.getInstallPath(true), L"");
+    EXPECT_THAT(location.getInstallFolders(), ElementsAre(launcher));
     for (const auto& [place, path, userFirst] :
-         {std::tuple{kMachine64, L"C:\\64", true}, std::tuple{kMachine32, L"C:\\32", false},
-          std::tuple{kUser, L"C:\\User", false}, std::tuple{kMachine, L"C:\\Machine", false}}) {
+         {std::tuple{kMachine64, L"D:\\64", true}, std::tuple{kMachine32, L"D:\\32", false},
+          std::tuple{kUser, L"D:\\User", false}, std::tuple{kMachine, L"B:\\Machine", false}}) {
         machine.installPaths[place] = path;
         EXPECT_EQ(location.getInstallPath(userFirst), path);
     }
-    EXPECT_EQ(location.getInstallPath(true), L"C:\\User");
+    EXPECT_EQ(location.getInstallPath(true), L"D:\\User");
+    EXPECT_THAT(location.getInstallFolders(), ElementsAre(L"B:\\Machine", launcher, L"D:\\User"));
+    machine.installPaths[kMachine] = L"D:\\User";
+    EXPECT_THAT(location.getInstallFolders(), ElementsAre(launcher, L"D:\\User"));
+    machine.installPaths = {{kUser, L"D:\\Tarn\\..\\x"}, {kMachine, L"relative"}};
+    EXPECT_THAT(location.getInstallFolders(), ElementsAre(launcher));
     // A value that is there but empty ends the search too.
     machine.installPaths[kUser] = L"";
     EXPECT_EQ(location.getInstallPath(true), L"");
 }
 
-TEST(InstallLocation, KeepsAbsoluteDrivePathsSortedAndOnce) {
-    FakePolicySources machine;
-    const InstallLocation location(machine);
-    EXPECT_THAT(location.getInstallFolders(), ElementsAre(kLauncherFolder));
-    machine.installPaths = {{kUser, L"D:\\Tarn"}, {kMachine, L"B:\\Tarn"}};
-    EXPECT_THAT(location.getInstallFolders(),
-                ElementsAre(L"B:\\Tarn", kLauncherFolder, L"D:\\Tarn"));
-    machine.installPaths = {{kUser, L"D:\\Tarn"}, {kMachine, L"D:\\Tarn"}};
-    EXPECT_THAT(location.getInstallFolders(), ElementsAre(kLauncherFolder, L"D:\\Tarn"));
-    machine.installPaths = {{kUser, L"D:\\Tarn\\..\\x"}, {kMachine, L"relative"}};
-    EXPECT_THAT(location.getInstallFolders(), ElementsAre(kLauncherFolder));
-    machine.localData = "";
-    EXPECT_TRUE(location.getInstallFolders().empty());
-}
-
 TEST(SideLoadingPolicy, IsOnOnlyForOneAndASignedProgram) {
-    const auto isOn = [](const FakePolicySources& machine) {
+    const auto isOn = [](std::optional<std::uint32_t> value, const std::wstring& signer,
+                         bool isReadable = true) {
+        FakePolicySources machine;
+        machine.policyValue = value;
+        machine.signers[platform::toWide(machine.program)] = signer;
+        machine.isReadable = isReadable;
         return SideLoadingPolicy(machine).isSideLoadingProtectionEnabled();
     };
-    FakePolicySources machine;
-    machine.protect(kAccepted);
-    EXPECT_TRUE(isOn(machine));
-    for (const std::optional<std::uint32_t> value : {std::optional<std::uint32_t>(), {0U}, {2U}}) {
-        machine.policyValue = value;
-        EXPECT_FALSE(isOn(machine));
-    }
-    machine.protect(L"Somebody Else");
-    EXPECT_FALSE(isOn(machine));
-    machine.protect(kAccepted);
-    machine.unreadable.insert(platform::toWide(machine.program));
-    EXPECT_FALSE(isOn(machine));
+    EXPECT_TRUE(isOn(1, kAccepted));
+    EXPECT_FALSE(isOn({}, kAccepted) || isOn(0, kAccepted) || isOn(2, kAccepted));
+    EXPECT_FALSE(isOn(1, L"Somebody Else") || isOn(1, kAccepted, false));
 }
 
 TEST(SideLoadingPolicy, ComparesInstallFoldersWithoutRegardToCase) {
     FakePolicySources machine;
-    machine.protect(kAccepted);
+    machine.policyValue = 1;
+    machine.signers[platform::toWide(machine.program)] = kAccepted;
     machine.installPaths[kUser] = L"D:\\Tarn";
     const SideLoadingPolicy policy(machine);
     for (const wchar_t* path :
@@ -111,36 +90,24 @@ TEST(SideLoadingPolicy, ComparesInstallFoldersWithoutRegardToCase) {
 }
 
 TEST(SideLoadingPolicy, AcceptsExactNamesOnly) {
-    FakePolicySources machine;
-    const SideLoadingPolicy policy(machine);
-    const std::wstring path = L"D:\\Tarn\\x.dll";
-    EXPECT_FALSE(policy.hasAcceptedSignature(path, false));
+    const auto isAccepted = [](const std::wstring& signer) {
+        FakePolicySources machine;
+        machine.signers[L"D:\\x.dll"] = signer;
+        return SideLoadingPolicy(machine).hasAcceptedSignature(L"D:\\x.dll", false);
+    };
     for (const std::wstring_view accepted : kAcceptedSigners) {
-        machine.signers[path] = accepted;
-        EXPECT_TRUE(policy.hasAcceptedSignature(path, false));
+        EXPECT_TRUE(isAccepted(std::wstring(accepted)));
     }
     std::wstring otherCase = kAccepted;
     otherCase[0] ^= 32;
     for (const std::wstring& name :
          {otherCase, kAccepted + L" ", kAccepted.substr(1), kAccepted + L'\0', std::wstring()}) {
-        machine.signers[path] = name;
-        EXPECT_FALSE(policy.hasAcceptedSignature(path, false)) << platform::toUtf8(name);
+        EXPECT_FALSE(isAccepted(name)) << platform::toUtf8(name);
     }
+    FakePolicySources machine;
     machine.signers[L""] = kAccepted;
-    EXPECT_TRUE(policy.hasAcceptedSignature(L"", false));
-    EXPECT_FALSE(policy.hasAcceptedSignature(L"", true));
-}
-
-TEST(ClientFolders, LieUnderTheLocalApplicationDataFolder) {
-    const std::string separator(1, platform::pathSeparator());
-    const std::string base = localApplicationDataFolder();
-    EXPECT_EQ(base, platform::localApplicationDataFolder());
-    EXPECT_EQ(launcherFolder(), base + separator + "QuorellTarnLauncher");
-    EXPECT_EQ(dynamicDependenciesFolder(), launcherFolder() + separator + "dynamic_dependencies");
-    EXPECT_EQ(applicationFolder(), base + separator + "QuorellTarn");
-    setApplicationFolderOverride("elsewhere");
-    EXPECT_EQ(applicationFolder(), "elsewhere");
-    setApplicationFolderOverride("");
+    EXPECT_TRUE(SideLoadingPolicy(machine).hasAcceptedSignature(L"", false));
+    EXPECT_FALSE(SideLoadingPolicy(machine).hasAcceptedSignature(L"", true));
 }
 
 } // namespace

@@ -2,55 +2,37 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace tarn::platform {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
-/// An entry that says it has `length` bytes.
-Bytes entry(std::uint32_t length, std::initializer_list<std::uint8_t> contents) {
-    Bytes bytes{0, 0, 0, 0, 0, 2, 2, 0}; // length, revision 2.0, PKCS#7
-    for (unsigned i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<std::uint8_t>(length >> (8 * i));
-    }
-    bytes.insert(bytes.end(), contents);
-    return bytes;
-}
+using namespace std::string_literals;
 
 TEST(CertificateEntry, GivesTheMessageOnlyWhenEveryLengthHolds) {
-    struct Case {
-        std::string name;
-        Bytes bytes;
-        std::size_t messageSize = 0; ///< 0: no message
+    const std::string rest = "\0\0\0\0\2\2\0"s; // of a length below 256, revision 2.0, PKCS#7
+    const std::pair<std::string, std::size_t> cases[] = {
+        {"\x0D" + rest + "\x30\x03\1\2\3", 5},
+        {"\x10" + rest + "\x30\x03\1\2\3\0\0\0"s, 5},    // padded
+        {"\x0D" + rest + "\x30\x03\1\2\3\x09\x09", 5},   // more after it
+        {"\x0F" + rest + "\x30\x82\0\x03\1\2\3"s, 7},    // the long form of a length
+        {"\x0A" + rest + "\x30\0"s, 2},                  // an empty sequence
+        {"", 0},                                         // from here on: no message
+        {"\x0D\0\0\0\0\2\2"s, 0},                        // shorter than a header
+        {"\x07" + rest + "\x30\x03\1\2\3", 0},           // says shorter than its header
+        {"\x08" + rest + "\x30\x03\1\2\3", 0},           // says header alone
+        {"\x0E" + rest + "\x30\x03\1\2\3", 0},           // says longer than read
+        {"\xFF\xFF\xFF\xFF\0\2\2\0\x30\x03\1\2\3"s, 0},  // says 4 GB
+        {"\x0D" + rest + "\x31\x03\1\2\3", 0},           // no sequence
+        {"\x0C" + rest + "\x30\x03\1\2\3", 0},           // content beyond the entry
+        {"\x0A" + rest + "\x30\x82", 0},                 // length cut
+        {"\x0D" + rest + "\x30\x80\1\0\0"s, 0},          // indefinite length
+        {"\x10" + rest + "\x30\x85\0\0\0\0\1\1"s, 0},    // length of five digits
+        {"\x0E" + rest + "\x30\x84\xFF\xFF\xFF\xFF", 0}, // content of 4 GB
     };
-    const std::vector<Case> cases{
-        {"whole", entry(13, {0x30, 3, 1, 2, 3}), 5},
-        {"padded", entry(16, {0x30, 3, 1, 2, 3, 0, 0, 0}), 5},
-        {"spare after it", entry(13, {0x30, 3, 1, 2, 3, 9, 9, 9, 9}), 5},
-        {"long form", entry(15, {0x30, 0x82, 0, 3, 1, 2, 3}), 7},
-        {"empty sequence", entry(10, {0x30, 0}), 2},
-        {"nothing", {}},
-        {"shorter than a header", {13, 0, 0, 0, 0, 2, 2}},
-        {"says shorter than its header", entry(7, {0x30, 3, 1, 2, 3})},
-        {"says header only", entry(8, {0x30, 3, 1, 2, 3})},
-        {"says longer than read", entry(14, {0x30, 3, 1, 2, 3})},
-        {"says 4 GB", entry(0xFFFFFFFF, {0x30, 3, 1, 2, 3})},
-        {"not a sequence", entry(13, {0x31, 3, 1, 2, 3})},
-        {"content cut", entry(12, {0x30, 3, 1, 2})},
-        {"content beyond the entry", entry(12, {0x30, 3, 1, 2, 3})},
-        {"length cut", entry(10, {0x30, 0x82})},
-        {"indefinite length", entry(13, {0x30, 0x80, 1, 0, 0})},
-        {"length of five digits", entry(16, {0x30, 0x85, 0, 0, 0, 0, 1, 1})},
-        {"length of 4 GB", entry(14, {0x30, 0x84, 0xFF, 0xFF, 0xFF, 0xFF})},
-    };
-    for (const Case& each : cases) {
-        // Of exactly this size, so that the address sanitizer sees a read beyond it.
-        const auto message = certificateMessage(std::as_bytes(std::span(each.bytes)));
-        EXPECT_EQ(message ? message->size() : 0, each.messageSize) << each.name;
+    for (const auto& [bytes, size] : cases) {
+        const auto message = certificateMessage(std::as_bytes(std::span(bytes)));
+        EXPECT_EQ(message ? message->size() : 0, size) << ::testing::PrintToString(bytes);
     }
 }
 

@@ -7,12 +7,11 @@ namespace tarn::platform {
 namespace {
 
 TEST(Text, SurvivesTheWayToWideTextAndBack) {
-    for (const std::string text : {"", "plain", "Füße", "会議", "😀 \U0010FFFF", "\xEF\xBF\xBD"}) {
+    for (const std::string& text :
+         {std::string(), std::string("a\0b", 3), std::string("Füße 会議 😀 \U0010FFFF")}) {
         EXPECT_EQ(toUtf8(toWide(text)), text);
         EXPECT_TRUE(isValidUtf8(text));
     }
-    const std::string withNul("a\0b", 3);
-    EXPECT_EQ(toUtf8(toWide(withNul)), withNul);
     EXPECT_EQ(toWide("ü"), L"\u00FC");
 }
 
@@ -26,30 +25,19 @@ TEST(Text, ReplacesWhatIsNotUtf8) {
         EXPECT_TRUE(between.starts_with("a\xEF\xBF\xBD") && between.ends_with("\xEF\xBF\xBDz"))
             << between;
     }
+    const std::wstring lone{static_cast<wchar_t>(0xDC00), static_cast<wchar_t>(0xD800), L'z'};
+    EXPECT_EQ(toUtf8(lone), "\xEF\xBF\xBD\xEF\xBF\xBDz");
 }
 
 TEST(Text, TakesTheLongestWellFormedBeginningForOneReplacement) {
-    const std::string_view text(
-        "a\xC3\xBC\xE4\xBC\x9A\xF0\x9F\x98\x80\xF0\x9F\x98z\xED\xA0\x80\xF4\x8F");
+    const std::string_view text("\xF0\x9F\x98\x80\xF0\x9F\x98z\xED\xA0\x80\xF4\x8F");
     std::string lengths;
     for (std::size_t position = 0; position < text.size();) {
         const DecodedCharacter character = decodeUtf8(text, position);
         lengths += std::to_string(character.length) + (character.valid ? "v" : "i");
         position += character.length;
     }
-    EXPECT_EQ(lengths, "1v2v3v4v3i1v1i1i1i2i");
-}
-
-TEST(Text, ReplacesLoneSurrogates) {
-    EXPECT_EQ(toUtf8(std::wstring{L'a', static_cast<wchar_t>(0xD800), L'z'}), "a\xEF\xBF\xBDz");
-    EXPECT_EQ(toUtf8(std::wstring{static_cast<wchar_t>(0xDC00)}), "\xEF\xBF\xBD");
-}
-
-TEST(Text, ComparesBeginningsWithoutRegardToCase) {
-    EXPECT_TRUE(startsWithIgnoringCase(L"C:\\Program Files\\x", L"c:\\PROGRAM"));
-    EXPECT_TRUE(startsWithIgnoringCase(L"abc", L"ABC"));
-    EXPECT_FALSE(startsWithIgnoringCase(L"ab", L"abc"));
-    EXPECT_FALSE(startsWithIgnoringCase(L"abd", L"abc"));
+    EXPECT_EQ(lengths, "4v3i1v1i1i1i2i");
 }
 
 } // namespace

@@ -2,22 +2,25 @@
 
 #include "loader/InstallLocation.h"
 #include "loader/LibraryLoader.h"
+#include "platform/Identity.h"
 #include "platform/KnownFolders.h"
-#include "platform/windows/ProgramFolder.h"
+#include "platform/Text.h"
 #include "platform/windows/RegistrySandbox.h"
 #include "support/RecordingLogHook.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
-#include <gmock/gmock.h>
-
 namespace tarn::loader {
 
-using platform::testing::besideProgram;
 using platform::testing::RegistrySandbox;
 
 inline constexpr const wchar_t* kInstallKey = L"Software\\Quorell Tarn Native";
 inline constexpr const wchar_t* kPolicyKey = L"SOFTWARE\\Policies\\QuorellObrix";
+
+/// A path below the folder that this test program and its libraries lie in.
+inline std::string besideProgram(const std::string& name) {
+    return FileUtils().directoryOfPath(platform::programFile()) + name;
+}
 
 /// An install folder with libraries, named in the registry.
 class PolicyFixture : public ::testing::Test {
@@ -30,12 +33,9 @@ protected:
         RegistrySandbox::setNumber(HKEY_LOCAL_MACHINE, kPolicyKey,
                                    L"enableDllSideLoadingProtection", value);
     }
-    /// Puts a library into a folder under the name under which it is loaded.
-    static void place(const std::wstring& library, const std::string& folder) {
-        ASSERT_TRUE(FileUtils().copyFile(platform::toUtf8(besideProgram(library)),
-                                         folder + "\\neighbour.dll"));
-    }
-    static bool loads(const std::string& folder) {
+    /// Puts a library into a folder and loads it from there.
+    static bool loads(const std::string& name, const std::string& folder) {
+        EXPECT_TRUE(FileUtils().copyFile(besideProgram(name), folder + "\\neighbour.dll"));
         mLog->clear();
         LibraryHandle library = loadLibrary(L"neighbour.dll", platform::toWide(folder));
         return library != nullptr && platform::unload(library);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
 #include <string>
@@ -12,21 +12,21 @@ namespace tarn::platform::testing {
 class RegistrySandbox {
 public:
     RegistrySandbox() {
-        mPath = L"Software\\RecordConverterTests\\" + std::to_wstring(GetCurrentProcessId());
-        mUser = create(HKEY_CURRENT_USER, mPath + L"\\user");
-        mMachine = create(HKEY_CURRENT_USER, mPath + L"\\machine");
         // Without its providers' settings the system can check no signature.
-        HKEY providers = create(mMachine, kProviders);
-        RegCopyTreeW(HKEY_LOCAL_MACHINE, kProviders, providers);
-        RegCloseKey(providers);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, mUser), ERROR_SUCCESS);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, mMachine), ERROR_SUCCESS);
+        const std::wstring providers = L"Software\\Microsoft\\Cryptography";
+        HKEY copied = create(HKEY_CURRENT_USER, mPath + L"\\machine\\" + providers);
+        RegCopyTreeW(HKEY_LOCAL_MACHINE, providers.c_str(), copied);
+        RegCloseKey(copied);
+        HKEY user = create(HKEY_CURRENT_USER, mPath + L"\\user");
+        HKEY machine = create(HKEY_CURRENT_USER, mPath + L"\\machine");
+        EXPECT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, user), ERROR_SUCCESS);
+        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine), ERROR_SUCCESS);
+        RegCloseKey(user);
+        RegCloseKey(machine);
     }
     ~RegistrySandbox() {
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
         RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        RegCloseKey(mMachine);
-        RegCloseKey(mUser);
         RegDeleteTreeW(HKEY_CURRENT_USER, mPath.c_str());
     }
     RegistrySandbox(const RegistrySandbox&) = delete;
@@ -42,15 +42,13 @@ public:
     }
     static void setText(HKEY root, const std::wstring& key, const wchar_t* value,
                         const std::wstring& text, DWORD type = REG_SZ) {
-        setBytes(root, key, value, type, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+        setBytes(root, key, value, type, text.data(), text.size() * sizeof(wchar_t));
     }
     static void setNumber(HKEY root, const std::wstring& key, const wchar_t* value, DWORD number) {
         setBytes(root, key, value, REG_DWORD, &number, sizeof(number));
     }
 
 private:
-    static constexpr const wchar_t* kProviders = L"Software\\Microsoft\\Cryptography";
-
     static HKEY create(HKEY root, const std::wstring& key) {
         HKEY opened = nullptr;
         EXPECT_EQ(RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
@@ -59,9 +57,8 @@ private:
         return opened;
     }
 
-    std::wstring mPath;
-    HKEY mUser = nullptr;
-    HKEY mMachine = nullptr;
+    std::wstring mPath =
+        L"Software\\RecordConverterTests\\" + std::to_wstring(GetCurrentProcessId());
 };
 
 } // namespace tarn::platform::testing

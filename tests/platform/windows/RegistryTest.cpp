@@ -9,53 +9,33 @@ using testing::RegistrySandbox;
 constexpr const wchar_t* kKey = L"Software\\Quorell Tarn Native";
 constexpr const wchar_t* kValue = L"OriginalInstallPath";
 
-std::optional<std::wstring> text(RegistryRoot root, RegistryView view = RegistryView::Default) {
-    return registryText(root, view, kKey, kValue);
-}
-
-TEST(Registry, ReadsTextsOfEachRootAndView) {
+TEST(Registry, TakesATextAsItStandsWhateverItsLengthAndEnd) {
     const RegistrySandbox sandbox;
-    EXPECT_FALSE(text(RegistryRoot::CurrentUser));
-    const std::wstring longPath = L"C:\\Größe\\" + std::wstring(3000, L'x');
-    RegistrySandbox::setText(HKEY_CURRENT_USER, kKey, kValue, longPath);
-    RegistrySandbox::setText(HKEY_LOCAL_MACHINE, kKey, kValue, L"D:\\Machine");
-    EXPECT_EQ(text(RegistryRoot::CurrentUser), longPath);
-    EXPECT_EQ(text(RegistryRoot::LocalMachine), L"D:\\Machine");
-    EXPECT_EQ(text(RegistryRoot::LocalMachine, RegistryView::Native64), L"D:\\Machine");
-}
-
-TEST(Registry, TakesATextAsItStandsWhateverItsEnd) {
-    const RegistrySandbox sandbox;
-    const auto stored = [](const std::wstring& characters) {
-        RegistrySandbox::setBytes(HKEY_CURRENT_USER, kKey, kValue, REG_SZ, characters.data(),
-                                  characters.size() * sizeof(wchar_t));
-        return text(RegistryRoot::CurrentUser);
+    SetEnvironmentVariableW(L"RC_TEST_FOLDER", L"C:\\expanded");
+    const auto stored = [](const std::wstring& text, DWORD type = REG_SZ) {
+        RegistrySandbox::setText(HKEY_CURRENT_USER, kKey, kValue, text, type);
+        return registryText(RegistryRoot::CurrentUser, RegistryView::Default, kKey, kValue);
     };
-    EXPECT_EQ(stored(L"C:\\no NUL"), L"C:\\no NUL");
+    const std::wstring longPath = L"C:\\Größe\\" + std::wstring(3000, L'x');
+    EXPECT_EQ(stored(longPath), longPath);
     EXPECT_EQ(stored(std::wstring(L"C:\\two NULs\0\0", 13)), L"C:\\two NULs");
     EXPECT_EQ(stored(L""), L"");
-    SetEnvironmentVariableW(L"RC_TEST_FOLDER", L"C:\\expanded");
-    RegistrySandbox::setText(HKEY_CURRENT_USER, kKey, kValue, L"%RC_TEST_FOLDER%\\x",
-                             REG_EXPAND_SZ);
-    EXPECT_EQ(text(RegistryRoot::CurrentUser), L"C:\\expanded\\x");
-    RegistrySandbox::setNumber(HKEY_CURRENT_USER, kKey, kValue, 1);
-    EXPECT_FALSE(text(RegistryRoot::CurrentUser));
+    EXPECT_EQ(stored(L"%RC_TEST_FOLDER%\\x", REG_EXPAND_SZ), L"C:\\expanded\\x");
+    EXPECT_EQ(stored(L"number", REG_DWORD), std::nullopt);
+    EXPECT_EQ(registryText(RegistryRoot::LocalMachine, RegistryView::Native64, kKey, kValue),
+              std::nullopt);
 }
 
 TEST(Registry, ReadsNumbersThatFitFourBytes) {
     const RegistrySandbox sandbox;
-    const auto number = [] { return registryNumber(RegistryRoot::LocalMachine, kKey, L"policy"); };
-    EXPECT_FALSE(number());
-    RegistrySandbox::setNumber(HKEY_LOCAL_MACHINE, kKey, L"policy", 0xFEDCBA98);
-    EXPECT_EQ(number(), 0xFEDCBA98U);
-    const std::uint8_t one = 1;
-    RegistrySandbox::setBytes(HKEY_LOCAL_MACHINE, kKey, L"policy", REG_BINARY, &one, 1);
-    EXPECT_EQ(number(), 1U) << "the rest of the buffer is zero";
-    const std::uint64_t wide = 1;
-    RegistrySandbox::setBytes(HKEY_LOCAL_MACHINE, kKey, L"policy", REG_QWORD, &wide, 8);
-    EXPECT_FALSE(number());
-    RegistrySandbox::setText(HKEY_LOCAL_MACHINE, kKey, L"policy", L"1 as a text");
-    EXPECT_FALSE(number());
+    const auto stored = [](DWORD type, std::uint64_t number, std::size_t size) {
+        RegistrySandbox::setBytes(HKEY_LOCAL_MACHINE, kKey, L"policy", type, &number, size);
+        return registryNumber(RegistryRoot::LocalMachine, kKey, L"policy");
+    };
+    EXPECT_EQ(registryNumber(RegistryRoot::LocalMachine, kKey, L"policy"), std::nullopt);
+    EXPECT_EQ(stored(REG_DWORD, 0xFEDCBA98, 4), 0xFEDCBA98U);
+    EXPECT_EQ(stored(REG_BINARY, 1, 1), 1U) << "the rest of the buffer is zero";
+    EXPECT_EQ(stored(REG_QWORD, 1, 8), std::nullopt);
 }
 
 } // namespace
