@@ -7,7 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <future>
 #include <memory>
 #include <string>
 #include <utility>
@@ -23,22 +22,24 @@ protected:
     void post(const std::string& name, std::uint32_t position = 0, std::uint32_t type = 0) {
         mQueue->post(name, TaskFunction([this, name] { note(name); }), position, type);
     }
-    /// Posts a task that runs `work`; the future is ready when it has ended.
-    template <typename Work>
-    std::future<void> run(const std::string& name, Work work) {
-        std::packaged_task<void()> task(std::move(work));
-        auto future = task.get_future();
-        mQueue->post(name, TaskFunction(std::move(task)), 0, 0);
-        return future;
+    /// Runs `work` as a task and waits for its end.
+    void run(const std::string& name, const std::function<void()>& work) {
+        testing::Signal hasEnded;
+        mQueue->post(name, TaskFunction([&] {
+                         work();
+                         hasEnded.set();
+                     }),
+                     0, 0);
+        hasEnded.wait();
     }
     void hold() {
-        std::promise<void> isHolding;
+        testing::Signal isHolding;
         mQueue->post("hold", TaskFunction([this, &isHolding] {
-                         isHolding.set_value();
+                         isHolding.set();
                          mMayGoOn.wait();
                      }),
                      0, 0);
-        isHolding.get_future().wait();
+        isHolding.wait();
         mIsHeld = true;
     }
     void release() {
@@ -70,26 +71,6 @@ protected:
     testing::Signal mMayGoOn;
     bool mIsHeld = false;
     std::shared_ptr<AsyncQueue> mQueue = std::make_shared<AsyncQueue>("Q", false);
-};
-
-/// Says what it is told to when it is destroyed: a task that was dropped does that, too.
-template <typename Action>
-class OnDestruction {
-public:
-    explicit OnDestruction(Action action) : mAction(std::make_unique<Action>(std::move(action))) {}
-    OnDestruction(OnDestruction&&) noexcept = default;
-    OnDestruction& operator=(OnDestruction&&) = delete;
-    OnDestruction(const OnDestruction&) = delete;
-    OnDestruction& operator=(const OnDestruction&) = delete;
-    ~OnDestruction() {
-        if (mAction != nullptr) {
-            (*mAction)();
-        }
-    }
-    void operator()() const { ADD_FAILURE() << "a dropped task ran"; }
-
-private:
-    std::unique_ptr<Action> mAction;
 };
 
 } // namespace tarn

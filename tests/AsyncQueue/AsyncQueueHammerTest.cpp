@@ -2,8 +2,9 @@
 
 #include "AsyncQueue/AsyncQueue.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <memory>
 #include <random>
@@ -14,140 +15,126 @@
 namespace tarn {
 namespace {
 
-constexpr int kRounds = HAMMER_ROUNDS;
 constexpr int kPosters = 4;
 constexpr int kTasksOfPoster = 1000;
-
-struct Count {
-    std::atomic<int> ran{0};
-    std::atomic<int> destroyed{0};
-    std::atomic<int> ranTwice{0};
-};
-
-/// A task that tells once that it ran and once that it is gone.
-auto countedTask(Count& count) {
-    struct Life {
-        explicit Life(Count& counted) : count(counted) {}
-        ~Life() { ++count.destroyed; }
-        Count& count;
-        bool hasRun = false;
-    };
-    return [life = std::make_unique<Life>(count)] {
-        life->count.ranTwice += std::exchange(life->hasRun, true) ? 1 : 0;
-        ++life->count.ran;
-    };
-}
-
-void meddle(const std::shared_ptr<AsyncQueue>& queue, const std::atomic<bool>& isEnding,
-            unsigned seed) {
-    std::mt19937 random(seed); // NOLINT: the same in every run
-    const auto resumeLater = [weak = std::weak_ptr(queue)] {
-        if (const auto alive = weak.lock()) {
-            alive->resume();
-        }
-    };
-    while (!isEnding) {
-        switch (random() % 6) {
-            case 0:
-                queue->clear();
-                break;
-            case 1:
-                queue->cancelTasks(7);
-                break;
-            case 2:
-                queue->suspend({});
-                break;
-            case 3:
-                queue->suspend(resumeLater);
-                break;
-            case 4:
-                queue->pendingTaskCount();
-                queue->currentTaskName();
-                break;
-            default:
-                queue->resume();
-                break;
-        }
-        std::this_thread::yield();
-    }
-    queue->resume(); // a suspended queue that holds tasks would never end
-}
-
-void postTasks(AsyncQueue& queue, Count& count, std::uint32_t type, std::atomic<int>& absent) {
-    for (--absent; absent > 0;) { // all at once, or the first is done before the last has begun
-        std::this_thread::yield();
-    }
-    for (int task = 0; task < kTasksOfPoster; ++task) {
-        queue.post("counted", TaskFunction(countedTask(count)), task % 5 == 0 ? 1 : 0, type);
-    }
-}
-
-/// Posts until one of them is neither dropped nor too late.
-void stopByOwnTask(const std::shared_ptr<AsyncQueue>& queue) {
-    while (!queue->isStopped()) {
-        queue->post("stop", TaskFunction([weak = std::weak_ptr(queue)] {
-                        if (const auto alive = weak.lock()) {
-                            alive->stop();
-                        }
-                    }),
-                    0, 0);
-        std::this_thread::yield();
-    }
-}
+constexpr std::uint32_t kDroppable = 7;
 
 enum class End { FromOutside, InTheMiddle, ByOwnTask };
 
-void hammer(int number, End end) {
-    SCOPED_TRACE(number);
-    Count count;
-    auto queue = std::make_shared<AsyncQueue>("Hammered", number % 2 == 0);
-    std::atomic<bool> isEnding{false};
-    std::thread meddler([&] { meddle(queue, isEnding, static_cast<unsigned>(number)); });
-    std::atomic<int> absent{kPosters};
-    std::vector<std::thread> posters;
-    for (std::uint32_t poster = 0; poster < kPosters; ++poster) {
-        posters.emplace_back(
-            [&, poster] { postTasks(*queue, count, poster % 2 == 0 ? 7 : 0, absent); });
+class Hammer {
+public:
+    Hammer(int number, End end)
+        : mEnd(end),
+          mMayClear(number % 3 != 0),
+          mQueue(std::make_shared<AsyncQueue>("Hammered", number % 2 == 0)) {
+        std::thread meddler([this, number] { meddle(static_cast<unsigned>(number)); });
+        std::vector<std::thread> posters;
+        for (std::size_t poster = 0; poster < kPosters; ++poster) {
+            posters.emplace_back([this, poster] { postTasks(poster); });
+        }
+        const auto stop = [&] {
+            mIsEnding = true;
+            meddler.join();
+            mQueue->stop();
+        };
+        if (end == End::ByOwnTask) {
+            stopByOwnTask();
+        }
+        if (end != End::FromOutside) {
+            stop();
+        }
+        for (std::thread& poster : posters) {
+            poster.join();
+        }
+        if (end == End::FromOutside) {
+            stop();
+        }
     }
-    if (end == End::ByOwnTask) {
-        stopByOwnTask(queue);
+
+    void check() {
+        EXPECT_TRUE(mQueue->isStopped());
+        mQueue.reset();
+        while (mEnd == End::ByOwnTask && mDestroyed < kPosters * kTasksOfPoster) {
+            std::this_thread::yield(); // the parked worker runs what slipped in beside the stop
+        }
+        EXPECT_EQ(mDestroyed, kPosters * kTasksOfPoster);
+        EXPECT_EQ(mFaults, 0);
+        if (mEnd == End::FromOutside && !mMayClear) {
+            EXPECT_EQ(mRan, kPosters / 2 * kTasksOfPoster) << "of those that nobody dropped";
+        }
     }
-    if (end != End::FromOutside) {
-        isEnding = true;
-        meddler.join();
-        queue->stop();
+
+private:
+    void postTasks(std::size_t poster) {
+        for (--mAbsent; mAbsent > 0;) { // all at once, or the first is done before the last begins
+            std::this_thread::yield();
+        }
+        for (int number = 0; number < kTasksOfPoster; ++number) {
+            const bool isInFront = number % 5 == 0;
+            std::shared_ptr<void> life(nullptr, [this](void*) { ++mDestroyed; });
+            mQueue->post("counted",
+                         TaskFunction([this, poster, number, isInFront, life = std::move(life)] {
+                             auto& hasRun = mHasRun[poster][static_cast<std::size_t>(number)];
+                             mFaults += std::exchange(hasRun, true) ? 1 : 0;
+                             mRan += poster % 2 == 0 ? 1 : 0;
+                             mFaults += !isInFront && std::exchange(mLast[poster], number) > number;
+                         }),
+                         isInFront ? 1 : 0, poster % 2 == 0 ? 0 : kDroppable);
+        }
     }
-    for (std::thread& poster : posters) {
-        poster.join();
+    void meddle(unsigned seed) {
+        std::mt19937 random(seed); // NOLINT: the same in every run
+        const std::function<void()> actions[] = {
+            [&] { mMayClear ? mQueue->clear() : mQueue->cancelTasks(kDroppable); },
+            [&] { mQueue->suspend({}); },
+            [&] {
+                mQueue->suspend([weak = std::weak_ptr(mQueue)] {
+                    if (const auto alive = weak.lock()) {
+                        alive->resume();
+                    }
+                });
+            },
+            [&] { mQueue->pendingTaskCount(); },
+            [&] { mQueue->currentTaskName(); },
+            [&] { mQueue->resume(); },
+        };
+        while (!mIsEnding) {
+            actions[random() % std::size(actions)]();
+            std::this_thread::yield();
+        }
+        mQueue->resume(); // a suspended queue that holds tasks would never end
     }
-    if (end == End::FromOutside) {
-        isEnding = true;
-        meddler.join();
-        queue->stop();
-    }
-    EXPECT_TRUE(queue->isStopped());
-    queue.reset();
-    if (end == End::ByOwnTask) {
-        // The parked worker still runs what slipped in beside the stop.
-        while (count.destroyed < kPosters * kTasksOfPoster) {
+    /// Posts until one of them is neither dropped nor too late.
+    void stopByOwnTask() {
+        while (!mQueue->isStopped()) {
+            mQueue->post("stop", TaskFunction([weak = std::weak_ptr(mQueue)] {
+                             if (const auto alive = weak.lock()) {
+                                 alive->stop();
+                             }
+                         }),
+                         0, 0);
             std::this_thread::yield();
         }
     }
-    EXPECT_EQ(count.destroyed, kPosters * kTasksOfPoster);
-    EXPECT_LE(count.ran, kPosters * kTasksOfPoster);
-    EXPECT_EQ(count.ranTwice, 0);
-}
 
-TEST(AsyncQueueHammer, RunsOrDropsEveryTaskOnceWhenStoppedFromOutside) {
-    for (int number = 0; number < kRounds; ++number) {
-        hammer(number, number % 2 == 0 ? End::FromOutside : End::InTheMiddle);
-    }
-}
+    const End mEnd;
+    const bool mMayClear;
+    std::atomic<int> mRan{0};
+    std::atomic<int> mDestroyed{0};
+    std::atomic<int> mFaults{0};
+    std::atomic<int> mAbsent{kPosters};
+    std::atomic<bool> mIsEnding{false};
+    std::array<int, kPosters> mLast{}; ///< the worker's, as the next
+    std::array<std::array<bool, kTasksOfPoster>, kPosters> mHasRun{};
+    std::shared_ptr<AsyncQueue> mQueue;
+};
 
-// Its worker stays parked for the rest of the process's life, so there are few rounds.
-TEST(AsyncQueueHammer, RunsOrDropsEveryTaskOnceWhenStoppedByItsOwnTask) {
-    for (int number = 0; number < 10; ++number) {
-        hammer(number, End::ByOwnTask);
+TEST(AsyncQueueHammer, RunsOrDropsEveryTaskOnceAndInOrderHoweverItIsStopped) {
+    for (int number = 0; number < HAMMER_ROUNDS; ++number) {
+        SCOPED_TRACE(number);
+        // The worker of ByOwnTask stays parked for the rest of the process's life: few rounds.
+        const End end = number < 10 ? End::ByOwnTask : static_cast<End>(number % 2);
+        Hammer(number, end).check();
     }
 }
 

@@ -1,15 +1,17 @@
+#include "AsyncQueue/AsyncQueueDestroyedException.h"
 #include "AsyncQueueFixture.h"
-#include "AsyncQueueProbe.h"
 #include "platform/Identity.h"
+#include "threading/Assertion.h"
 #include "threading/ThreadUtilities.h"
 
+#include <functional>
+#include <stdexcept>
 #include <thread>
 
 namespace tarn {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::StartsWith;
 
 using AsyncQueueStopTest = AsyncQueueFixture;
 
@@ -29,63 +31,68 @@ TEST_F(AsyncQueueStopTest, RunsWhatIsQueuedAndTakesNothingAfterwards) {
     EXPECT_EQ(mQueue->threadId(), std::thread::id());
 }
 
-TEST_F(AsyncQueueStopTest, DetachesItsWorkerWhenATaskStopsItsOwnQueue) {
-    std::uint32_t worker = 0;
-    std::promise<void> isLast;
-    std::promise<std::string> nameAfterwards;
-    hold();
-    mQueue->post("stop", TaskFunction([&] {
-                     worker = platform::threadId();
-                     mQueue->stop();
-                     EXPECT_TRUE(mQueue->isStopped());
-                     EXPECT_TRUE(mQueue->isQueueThread());
-                 }),
-                 0, 0);
-    // Destroyed on the worker after the naming that follows the stopping task.
-    mQueue->post("next", TaskFunction([this] { note("next"); }), 0, 0);
-    mQueue->post("last", TaskFunction([&] {
-                     note("last");
-                     isLast.set_value();
-                 }),
-                 0, 0);
-    release();
-    isLast.get_future().wait();
-    EXPECT_THAT(notes(), ElementsAre("next", "last"));
-    // The parked worker keeps the state alive when the queue is gone, and carries the last name.
-    mQueue.reset();
-    while (ThreadUtilities::getThreadDescription(worker) != "Detached::AsyncQueue::Q") {
-        std::this_thread::yield();
+TEST_F(AsyncQueueStopTest, DetachesItsWorkerWhenATaskStopsOrDestroysItsOwnQueue) {
+    for (const bool isStopped : {true, false}) {
+        mQueue = std::make_shared<AsyncQueue>("Q", false);
+        std::uint32_t worker = 0;
+        testing::Signal isLast;
+        hold();
+        mQueue->post("end", TaskFunction([&] {
+                         worker = platform::threadId();
+                         if (isStopped) {
+                             mQueue->stop();
+                             EXPECT_TRUE(mQueue->isStopped() && mQueue->isQueueThread());
+                         }
+                         mQueue.reset();
+                     }),
+                     0, 0);
+        mQueue->post("next", TaskFunction([&] { isLast.set(); }), 0, 0);
+        release();
+        isLast.wait();
+        // The parked worker keeps the state alive when the queue is gone, and carries the last
+        // name.
+        while (ThreadUtilities::getThreadDescription(worker) != "Detached::AsyncQueue::Q") {
+            std::this_thread::yield();
+        }
     }
 }
 
-TEST_F(AsyncQueueStopTest, MayBeDestroyedByItsOwnTask) {
-    std::promise<void> isDestroyed;
-    hold();
-    mQueue->post("destroy", TaskFunction([&] {
-                     mQueue.reset();
-                     note("destroyed");
-                 }),
-                 0, 0);
-    mQueue->post("next", TaskFunction([&] { isDestroyed.set_value(); }), 0, 0);
-    release();
-    isDestroyed.get_future().wait();
-    EXPECT_THAT(notes(), ElementsAre("destroyed"));
+TEST_F(AsyncQueueStopTest, LogsWhatATaskThrowsAndRunsTheNext) {
+    testing::expectErrorLine("AsyncQueue[Q] Encountered");
+    std::string assertion;
+    setAssertionMessageHandler([&](const std::string& text, std::uint32_t line, const auto&...) {
+        assertion = std::to_string(line) + " " + text;
+    });
+    mQueue->post("flush", TaskFunction([] { throw std::runtime_error("boom"); }), 0, 0);
+    mQueue->post("number", TaskFunction([] { throw 1; }), 0, 0);
+    mQueue->post("empty", TaskFunction(), 0, 0);
+    post("next");
+    mQueue->stop();
+    setAssertionMessageHandler({});
+    EXPECT_THAT(notes(), ElementsAre("next"));
+    const std::string encountered =
+        "195 <Error> AsyncQueue[Q] Encountered an exception while "
+        "running a task: ";
+    EXPECT_THAT(logged(), ElementsAre(encountered + "boom with a task name of flush",
+                                      "199 <Error> AsyncQueue[Q] Encountered a generic exception "
+                                      "while running task number",
+                                      encountered + std::bad_function_call().what() +
+                                          " with a task name of empty"));
+    EXPECT_EQ(assertion,
+              "74 Assertion failed: mTask with message: TaskFunction called when empty, it's "
+              "either been moved or default initialized. Called from File: AsyncQueue/AsyncQueue "
+              "Line: 186");
 }
 
-TEST_F(AsyncQueueStopTest, StaysExitingWhenTheWorkerCannotBeJoined) {
-#if defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the thread sanitizer forgets a thread whose joining failed";
-#endif
-    testing::expectErrorLine("Failure waiting for worker thread to finish. code=");
-    AsyncQueueProbe probe(*mQueue);
-    run("join itself", [&] {
-        probe.forgetThread();
-        mQueue->stop();
-    }).wait();
+TEST_F(AsyncQueueStopTest, EndsItsWorkerWhenATaskSaysThatItsObjectIsGone) {
+    mQueue->post("orphan", TaskFunction([] { throw AsyncQueueDestroyedException(); }), 0, 0);
+    post("never");
+    // Nothing else tells that the worker has gone than that it can be joined.
     mQueue->stop();
-    EXPECT_EQ(probe.state(), AsyncQueue::State::Exiting);
-    EXPECT_THAT(logged(), ElementsAre(StartsWith("119 <Error> Failure waiting for worker thread to "
-                                                 "finish. code=generic:")));
+    EXPECT_EQ(mQueue->pendingTaskCount(), 1U);
+    EXPECT_EQ(mQueue->currentTaskName(), "orphan");
+    EXPECT_THAT(notes(), ElementsAre());
+    EXPECT_THAT(logged(), ElementsAre("190 <Warn> AsyncQueue[Q] Destructed running taskorphan"));
 }
 
 } // namespace

@@ -3,54 +3,16 @@
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
 
+#include <stdexcept>
 #include <thread>
 
 namespace tarn {
 namespace {
 
 using ::testing::ElementsAre;
+using ThreadUtilities::getThreadDescription;
 
 using AsyncQueueTest = AsyncQueueFixture;
-
-TEST_F(AsyncQueueTest, RunsFrontPostedTasksInReverseOrderOfPostingBeforeTheOthers) {
-    hold();
-    post("back 1");
-    post("back 2", 2);
-    post("front 1", 1);
-    post("front 2", 1);
-    EXPECT_EQ(mQueue->pendingTaskCount(), 4U);
-    EXPECT_TRUE(mQueue->hasPendingTasks());
-    release();
-    mQueue->stop();
-    EXPECT_THAT(notes(), ElementsAre("front 2", "front 1", "back 1", "back 2"));
-    EXPECT_FALSE(mQueue->hasPendingTasks());
-}
-
-TEST_F(AsyncQueueTest, DropsTasksByTypeOrAllAndDestroysThemOutsideTheLock) {
-    for (const bool isCleared : {false, true}) {
-        SCOPED_TRACE(isCleared);
-        mNotes.clear();
-        hold();
-        post("kept 1", 0, 1);
-        for (int count = 0; count < 2; ++count) {
-            // Asking the queue would wait for ever under its lock.
-            mQueue->post("dropped", TaskFunction(OnDestruction([this] {
-                             note("left: " + std::to_string(mQueue->pendingTaskCount()));
-                         })),
-                         0, 2);
-        }
-        post("kept 2", 1, 3);
-        mQueue->cancelTasks(77);
-        EXPECT_EQ(mQueue->pendingTaskCount(), 4U);
-        isCleared ? mQueue->clear() : mQueue->cancelTasks(2);
-        EXPECT_EQ(mQueue->hasPendingTasks(), !isCleared);
-        release();
-        run("last", [] {}).wait();
-        EXPECT_EQ(notes(),
-                  isCleared ? std::vector<std::string>({"left: 0", "left: 0"})
-                            : std::vector<std::string>({"left: 2", "left: 2", "kept 2", "kept 1"}));
-    }
-}
 
 TEST_F(AsyncQueueTest, PrecedesDropsAndHoldsBackWhatTheWorkerHasAlreadyTaken) {
     testing::Signal isTaken;
@@ -70,91 +32,123 @@ TEST_F(AsyncQueueTest, PrecedesDropsAndHoldsBackWhatTheWorkerHasAlreadyTaken) {
     }
     release();
     isTaken.wait();
-    post("later");
+    post("later", 2);
     expected.emplace_back("later");
     post("front 1", 1);
     post("front 2", 1);
     mQueue->cancelTasks(2);
-    EXPECT_EQ(mQueue->pendingTaskCount(), expected.size());
-    std::promise<void> isSuspended;
-    EXPECT_FALSE(mQueue->suspend([&] { isSuspended.set_value(); }));
+    mQueue->cancelTasks(77);
+    testing::Signal isSuspended;
+    EXPECT_FALSE(mQueue->suspend([&] { isSuspended.set(); }));
     mayGoOn.set();
-    isSuspended.get_future().wait();
+    isSuspended.wait();
     EXPECT_EQ(mQueue->pendingTaskCount(), expected.size());
     mQueue->resume();
-    run("last", [] {}).wait();
+    run("last", [] {});
     EXPECT_EQ(notes(), expected);
+    EXPECT_FALSE(mQueue->hasPendingTasks());
+}
+
+TEST_F(AsyncQueueTest, DestroysWhatItDropsOutsideTheLock) {
+    for (const bool isCleared : {false, true}) {
+        hold();
+        // Asking the queue would wait for ever under its lock.
+        const auto tell = [this](void*) {
+            note(std::to_string(mQueue->pendingTaskCount()) + " left");
+        };
+        mQueue->post("dropped",
+                     TaskFunction([told = std::shared_ptr<void>(nullptr, tell)] { ADD_FAILURE(); }),
+                     0, 2);
+        post("kept", 1, 3);
+        isCleared ? mQueue->clear() : mQueue->cancelTasks(2);
+        release();
+        run("last", [] {});
+    }
+    EXPECT_THAT(notes(), ElementsAre("1 left", "kept", "0 left"));
 }
 
 TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
-    std::uint32_t worker = 0;
-    for (const char* name : {"first", "first", "second"}) {
-        run(name, [&] {
-            worker = platform::threadId();
-            EXPECT_EQ(mQueue->currentTaskName(), name);
-            EXPECT_EQ(ThreadUtilities::getThreadDescription(worker),
-                      "AsyncQueue::Q[" + std::string(name) + "]");
-            EXPECT_EQ(ScopedThreadNotifications::currentScope(), nullptr);
-            EXPECT_EQ(hint_external_input::share(), nullptr);
-            EXPECT_TRUE(mQueue->isQueueThread());
-            EXPECT_EQ(mQueue->threadId(), std::this_thread::get_id());
-            // Neither may be left to the next task.
-            ThreadUtilities::setThreadDescription("a task's own name");
-            hint_external_input::set("a task's", "context");
-        }).wait();
-    }
-    hold();
-    std::promise<std::string> idleName;
-    mQueue->post("last", TaskFunction([] {}), 0, 0);
-    EXPECT_FALSE(mQueue->suspend([&] {
-        idleName.set_value(mQueue->currentTaskName() + "|" +
-                           ThreadUtilities::getThreadDescription(worker));
-    }));
-    release();
-    EXPECT_EQ(idleName.get_future().get(), "|AsyncQueue::Q[Suspension]");
-    mQueue->resume();
-    EXPECT_FALSE(mQueue->isQueueThread());
-}
-
-TEST_F(AsyncQueueTest, RegistersItsScopesWhenAskedTo) {
-    mQueue = std::make_shared<AsyncQueue>("R", true);
-    run("look", [] { EXPECT_NE(ScopedThreadNotifications::currentScope(), nullptr); }).wait();
-}
-
-TEST_F(AsyncQueueTest, KeepsEachPostersOrderWhileOthersDropSuspendAndResume) {
-    constexpr int kPosters = 8;
-    constexpr int kTasks = 2000;
-    std::vector<int> next(kPosters, 0);
-    bool isInOrder = true;
-    std::vector<std::thread> threads;
-    for (int poster = 0; poster < kPosters; ++poster) {
-        threads.emplace_back([&, poster] {
-            for (int number = 0; number < kTasks; ++number) {
-                mQueue->post("count", TaskFunction([&, poster, number] {
-                                 auto& expected = next[static_cast<std::size_t>(poster)];
-                                 isInOrder = isInOrder && expected == number;
-                                 expected = number + 1;
-                             }),
-                             0, 0);
-                mQueue->post("droppable", TaskFunction([] {}), number % 3 == 0 ? 1 : 0, 9);
-            }
-        });
-    }
-    threads.emplace_back([&] {
-        for (int round = 0; round < 200; ++round) {
-            mQueue->suspend(round % 2 == 0 ? std::function<void()>()
-                                           : [this] { mQueue->resume(); });
-            mQueue->cancelTasks(9);
-            mQueue->resume();
+    for (const bool isRegistered : {false, true}) {
+        mQueue = std::make_shared<AsyncQueue>("Q", isRegistered);
+        std::uint32_t worker = 0;
+        for (const auto& [name, ownName] :
+             std::initializer_list<std::pair<std::string, std::string>>{
+                 {"first", ""}, {"first", "a task's own name"}, {"second", ""}}) {
+            run(name, [&] {
+                worker = platform::threadId();
+                EXPECT_EQ(mQueue->currentTaskName(), name);
+                EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[" + name + "]");
+                EXPECT_EQ(ScopedThreadNotifications::currentScope() != nullptr, isRegistered);
+                EXPECT_EQ(hint_external_input::share(), nullptr);
+                EXPECT_EQ(mQueue->threadId(), std::this_thread::get_id());
+                // Neither may be left to the next task.
+                hint_external_input::set("a task's", "context");
+                if (!ownName.empty()) {
+                    ThreadUtilities::setThreadDescription(ownName);
+                }
+            });
         }
-    });
-    for (std::thread& thread : threads) {
-        thread.join();
+        hold();
+        post("later");
+        testing::Signal isSuspended;
+        std::string idleName;
+        EXPECT_FALSE(mQueue->suspend([&] {
+            idleName = mQueue->currentTaskName() + "|" + getThreadDescription(worker);
+            isSuspended.set();
+        }));
+        release();
+        isSuspended.wait();
+        EXPECT_EQ(idleName, "|AsyncQueue::Q[Suspension]");
+        EXPECT_FALSE(mQueue->isQueueThread());
+        mQueue->resume();
+        run("last", [] {});
     }
+}
+
+TEST_F(AsyncQueueTest, SuspendsAnIdleQueueAtOnceAndABusyOneAfterItsRunningTask) {
+    hold();
+    EXPECT_TRUE(mQueue->suspend([] { ADD_FAILURE(); })) << "only what is queued counts";
+    release();
     mQueue->resume();
-    run("drained", [] {}).wait();
-    EXPECT_TRUE(isInOrder);
-    EXPECT_THAT(next, ::testing::Each(kTasks));
+    testing::expectErrorLine("AsyncQueue[Q]");
+    testing::Signal isCalled;
+    const std::function<void()> callbacks[] = {
+        nullptr,
+        [&] {
+            isCalled.set();
+            throw std::runtime_error("boom");
+        },
+        [&] {
+            isCalled.set();
+            throw 1;
+        },
+    };
+    for (const auto& callback : callbacks) {
+        hold();
+        post("later");
+        EXPECT_FALSE(mQueue->suspend(callback));
+        release();
+        if (callback) {
+            isCalled.wait();
+        }
+        EXPECT_EQ(mQueue->pendingTaskCount(), 1U);
+        mQueue->resume();
+        while (mQueue->hasPendingTasks()) { // another post would wake the worker, too
+            std::this_thread::yield();
+        }
+        run("last", [] {});
+    }
+    EXPECT_THAT(notes(), ElementsAre("later", "later", "later"));
+    const std::string entering = "370 <Info> Entering, asking the threadpool to suspend: Q";
+    const std::string ready =
+        "139 <Info> mHasFinishedFunc is not nil, so we are ready to suspend and notify callback: Q";
+    EXPECT_THAT(logged(),
+                ElementsAre(entering, entering, entering, ready,
+                            "153 <Error> AsyncQueue[Q] Encountered an exception while calling "
+                            "suspension lambda: boom",
+                            entering, ready,
+                            "157 <Error> AsyncQueue[Q]Encountered a generic exception while "
+                            "calling suspension lambda"));
 }
 
 } // namespace

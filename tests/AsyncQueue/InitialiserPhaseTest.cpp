@@ -1,11 +1,32 @@
+#include "AsyncQueue/QueueContext.h"
 #include "AsyncQueueFixture.h"
-#include "AsyncQueueProbe.h"
 
 namespace tarn {
-namespace {
 
-using ::testing::ElementsAre;
 using State = AsyncQueue::State;
+
+/// Reaches what the queue's interface does not offer: no operation enters the initialiser phase.
+class AsyncQueueProbe {
+public:
+    explicit AsyncQueueProbe(const AsyncQueue& queue) : mContext(queue.mContext) {}
+
+    void enter(State state) {
+        const std::lock_guard lock(mContext->mMutex);
+        mContext->mState.exchange(state);
+        mContext->wakeWorker();
+    }
+    State state() const { return mContext->mState.load(); }
+    void postInitialiser(const std::string& name, TaskFunction&& task) {
+        const std::lock_guard lock(mContext->mMutex);
+        mContext->mQueue.growBack() = {std::move(task), 0, name};
+        mContext->wakeWorker();
+    }
+
+private:
+    std::shared_ptr<AsyncQueue::Context> mContext;
+};
+
+namespace {
 
 using InitialiserPhaseTest = AsyncQueueFixture;
 
@@ -16,15 +37,12 @@ TEST_F(InitialiserPhaseTest, HoldsPostsBackUntilTheInitialiserTasksAreDone) {
     post("held back");
     post("dropped", 0, 5);
     post("held back, in front", 1);
-    EXPECT_EQ(probe.heldBackCount(), 3U);
-    EXPECT_EQ(mQueue->pendingTaskCount(), 3U);
     mQueue->cancelTasks(5);
-    EXPECT_EQ(probe.heldBackCount(), 2U);
-    probe.postDirectly("initialiser", TaskFunction([this] { note("initialiser"); }));
-    std::promise<void> isDone;
-    probe.postDirectly("last initialiser", TaskFunction([&] { isDone.set_value(); }));
+    probe.postInitialiser("initialiser", TaskFunction([this] { note("initialiser"); }));
+    testing::Signal isDone;
+    probe.postInitialiser("last initialiser", TaskFunction([&] { isDone.set(); }));
     release();
-    isDone.get_future().wait();
+    isDone.wait();
     EXPECT_EQ(mQueue->pendingTaskCount(), 2U);
     EXPECT_TRUE(mQueue->suspend(nullptr)) << "held back tasks do not count";
     mQueue->resume();
@@ -32,27 +50,9 @@ TEST_F(InitialiserPhaseTest, HoldsPostsBackUntilTheInitialiserTasksAreDone) {
     while (probe.state() != State::Running) {
         std::this_thread::yield();
     }
-    run("last", [] {}).wait();
-    EXPECT_THAT(notes(), ElementsAre("initialiser", "held back, in front", "held back"));
-    EXPECT_THAT(logged(), ElementsAre("370 <Info> Entering, asking the threadpool to suspend: Q",
-                                      "240 <Info> Threadpool state is now running, name: Q"));
-}
-
-TEST_F(InitialiserPhaseTest, SwapsNothingOutOfTurn) {
-    AsyncQueueProbe probe(*mQueue);
-    hold();
-    probe.swapQueues();
-    probe.enter(State::Processing);
-    probe.postDirectly("initialiser", TaskFunction([] {}));
-    post("held back");
-    probe.swapQueues();
-    EXPECT_EQ(probe.heldBackCount(), 1U);
-    EXPECT_THAT(logged(),
-                ElementsAre("229 <Warn> Thread pool not in processing state, cannot swap queues: Q",
-                            "240 <Info> Threadpool state is now running, name: Q",
-                            "233 <Warn> Initialiser task queued after setting initialised to true, "
-                            "delaying queue swap: Q",
-                            "240 <Info> Threadpool state is now processing, name: Q"));
+    run("last", [] {});
+    EXPECT_THAT(notes(), ::testing::ElementsAre("initialiser", "held back, in front", "held back"));
+    EXPECT_EQ(logged().back(), "240 <Info> Threadpool state is now running, name: Q");
 }
 
 } // namespace
