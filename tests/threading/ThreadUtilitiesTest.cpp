@@ -4,9 +4,9 @@
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <future>
+#include <functional>
 #include <thread>
 
 namespace tarn {
@@ -15,13 +15,16 @@ namespace {
 using ThreadUtilities::getThreadDescription;
 using ThreadUtilities::setThreadDescription;
 
-std::string ownDescription() {
+std::string ownName() {
+    std::string whenLong;
+    EXPECT_EQ(getThreadDescription(platform::threadId()),
+              ThreadUtilities::currentThreadName(whenLong));
     return getThreadDescription(platform::threadId());
 }
 
-std::string ownName() {
-    std::string whenLong;
-    return std::string(ThreadUtilities::currentThreadName(whenLong));
+std::string context() {
+    const auto shared = hint_external_input::share();
+    return shared != nullptr ? shared->first + "," + shared->second : "none";
 }
 
 /// Threads of their own: what a test leaves on its thread is gone with it.
@@ -31,65 +34,44 @@ void onNewThread(const std::function<void()>& work) {
 
 TEST(ThreadUtilities, ShowsTheWholeDescriptionToOtherThreadsUntilTheThreadEnds) {
     const std::string name = "Ein Faden für Übersetzungen: " + std::string(300, 'x');
-    testing::Signal mayEnd;
-    std::promise<std::uint32_t> identifier;
-    std::thread thread([&] {
-        setThreadDescription(name);
-        EXPECT_EQ(ownName(), name);
-        identifier.set_value(platform::threadId());
-        mayEnd.wait();
-    });
-    const std::uint32_t id = identifier.get_future().get();
-    EXPECT_EQ(getThreadDescription(id), name);
-    EXPECT_NE(getThreadDescription(platform::threadId()), name);
-    mayEnd.set();
-    thread.join();
-    EXPECT_EQ(getThreadDescription(id), "");
-}
-
-TEST(ThreadUtilities, StartsEveryThreadWithoutANameOrContext) {
-    setThreadDescription("parent");
-    hint_external_input::set("parent", "context");
-    onNewThread([] {
-        EXPECT_EQ(ownDescription(), "");
-        EXPECT_EQ(ownName(), "");
-        EXPECT_EQ(hint_external_input::share(), nullptr);
-    });
-    setThreadDescription("");
-    hint_external_input::clear();
-}
-
-TEST(ThreadUtilities, SharesACopyOfTheContextWhenItsFirstTextIsSet) {
-    onNewThread([] {
-        hint_external_input::set("", "only the second");
-        EXPECT_EQ(hint_external_input::share(), nullptr);
-        hint_external_input::set("first", "second");
-        const auto shared = hint_external_input::share();
-        hint_external_input::set("changed", "");
-        ASSERT_NE(shared, nullptr);
-        EXPECT_EQ(shared->first + "," + shared->second, "first,second");
-        EXPECT_EQ(hint_external_input::share()->first, "changed");
+    onNewThread([&] {
+        setThreadDescription("parent");
+        hint_external_input::set("parent", "context");
+        testing::Signal isNamed;
+        testing::Signal mayEnd;
+        std::uint32_t id = 0;
+        std::thread thread([&] {
+            EXPECT_EQ(ownName() + context(), "none");
+            setThreadDescription(name);
+            EXPECT_EQ(ownName(), name);
+            id = platform::threadId();
+            isNamed.set();
+            mayEnd.wait();
+        });
+        isNamed.wait();
+        EXPECT_EQ(getThreadDescription(id), name);
+        EXPECT_EQ(ownName() + context(), "parentparent,context");
+        mayEnd.set();
+        thread.join();
+        EXPECT_EQ(getThreadDescription(id), "");
         hint_external_input::clear();
-        EXPECT_EQ(hint_external_input::share(), nullptr);
     });
 }
 
 TEST(ScopedThreadNotifications, PutsDescriptionAndSavedContextBackAndLeavesNoOtherBehind) {
     for (const bool isSaved : {false, true}) {
-        SCOPED_TRACE(isSaved);
         onNewThread([isSaved] {
             setThreadDescription("before");
+            hint_external_input::set("", "only the second");
+            EXPECT_EQ(context(), "none");
             hint_external_input::set("outer", "context");
             {
                 const ScopedThreadNotifications scope(
                     "during", false, isSaved ? hint_external_input::share() : nullptr);
-                EXPECT_EQ(ownDescription() + ownName(), "duringduring");
+                EXPECT_EQ(ownName(), "during");
                 hint_external_input::set("inner", "");
             }
-            EXPECT_EQ(ownDescription() + ownName(), "beforebefore");
-            const auto left = hint_external_input::share();
-            EXPECT_EQ(left != nullptr ? left->first + "," + left->second : "none",
-                      isSaved ? "outer,context" : "none");
+            EXPECT_EQ(ownName() + context(), isSaved ? "beforeouter,context" : "beforenone");
             hint_external_input::clear();
         });
     }
@@ -97,20 +79,18 @@ TEST(ScopedThreadNotifications, PutsDescriptionAndSavedContextBackAndLeavesNoOth
 
 TEST(ScopedThreadNotifications, KeepsTheOutermostRegisteredScopeAsTheCurrentOne) {
     using Scope = ScopedThreadNotifications;
-    onNewThread([] {
-        {
-            const Scope unregistered("unregistered", false);
-            EXPECT_EQ(Scope::currentScope(), nullptr);
-            const Scope outer("outer", true);
-            {
-                const Scope inner("inner", true);
-                EXPECT_EQ(Scope::currentScope(), &outer);
-                onNewThread([] { EXPECT_EQ(Scope::currentScope(), nullptr); });
-            }
-            EXPECT_EQ(Scope::currentScope(), &outer);
-        }
+    {
+        const Scope unregistered("unregistered", false);
         EXPECT_EQ(Scope::currentScope(), nullptr);
-    });
+        const Scope outer("outer", true);
+        {
+            const Scope inner("inner", true);
+            EXPECT_EQ(Scope::currentScope(), &outer);
+            onNewThread([] { EXPECT_EQ(Scope::currentScope(), nullptr); });
+        }
+        EXPECT_EQ(Scope::currentScope(), &outer);
+    }
+    EXPECT_EQ(Scope::currentScope(), nullptr);
 }
 
 } // namespace
