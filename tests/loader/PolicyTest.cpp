@@ -1,10 +1,14 @@
-#include "FakePolicySources.h"
 #include "loader/AcceptedSigners.h"
 #include "loader/InstallLocation.h"
 #include "loader/PathRules.h"
+#include "loader/PolicySources.h"
 #include "loader/SideLoadingPolicy.h"
+#include "platform/Text.h"
 
 #include <gmock/gmock.h>
+
+#include <map>
+#include <tuple>
 
 namespace tarn::loader {
 namespace {
@@ -12,8 +16,7 @@ namespace {
 using platform::RegistryRoot;
 using platform::RegistryView;
 using ::testing::ElementsAre;
-using testing::FakePolicySources;
-using Place = FakePolicySources::Place;
+using Place = std::tuple<RegistryRoot, RegistryView, std::wstring>;
 
 const std::wstring kAccepted(kAcceptedSigners[3]);
 const std::wstring kKey = L"Software\\Quorell Tarn Native";
@@ -22,6 +25,40 @@ const Place kMachine{RegistryRoot::LocalMachine, RegistryView::Default, kKey};
 const Place kMachine32{RegistryRoot::LocalMachine, RegistryView::Default,
                        L"Software\\WOW6432Node\\Quorell Tarn Native"};
 const Place kMachine64{RegistryRoot::LocalMachine, RegistryView::Native64, kKey};
+
+/// A machine as the test describes it.
+struct FakePolicySources : PolicySources {
+    std::string localApplicationDataFolder() const override {
+        return "C:\\Users\\u\\AppData\\Local";
+    }
+    std::string programFile() const override { return program; }
+    std::optional<std::wstring> registryText(RegistryRoot root, RegistryView view,
+                                             const std::wstring& key,
+                                             const std::wstring& value) const override {
+        const auto found = installPaths.find({root, view, key});
+        return value == L"OriginalInstallPath" && found != installPaths.end()
+                   ? std::optional(found->second)
+                   : std::nullopt;
+    }
+    std::optional<std::uint32_t> registryNumber(RegistryRoot root, const std::wstring& key,
+                                                const std::wstring& value) const override {
+        return root == RegistryRoot::LocalMachine && key == L"SOFTWARE\\Policies\\QuorellObrix" &&
+                       value == L"enableDllSideLoadingProtection"
+                   ? policyValue
+                   : std::nullopt;
+    }
+    bool canReadFileProperties(const std::wstring&) const override { return isReadable; }
+    std::optional<std::wstring> embeddedSignerName(const std::wstring& path) const override {
+        const auto found = signers.find(path);
+        return found != signers.end() ? std::optional(found->second) : std::nullopt;
+    }
+
+    std::string program = "D:\\Tool\\record-converter.exe";
+    std::map<Place, std::wstring> installPaths;
+    std::optional<std::uint32_t> policyValue;
+    std::map<std::wstring, std::wstring> signers;
+    bool isReadable = true;
+};
 
 TEST(PathRules, TakeAbsoluteDrivePathsWithoutForbiddenParts) {
     for (const wchar_t* path : {L"C:\\", L"z:\\a", L"C:\\a.b\\c d\\ü.dll", L"C:\\a:b"}) {
