@@ -5,18 +5,6 @@
 
 #include <algorithm>
 
-namespace {
-
-/// What the launcher hands to the window is read back as the very same paths, or refused.
-void checkSourceArgument(const std::vector<std::string>& sources) {
-    const auto encoded = launcher::encodeSourceList(sources);
-    if (const auto* argument = std::get_if<std::string>(&encoded)) {
-        FUZZ_EXPECT(recordconverter::expandSourceList(*argument) == sources);
-    }
-}
-
-} // namespace
-
 // Each line is an argument.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<std::string> arguments = fuzz::Input(data, size).lines();
@@ -24,7 +12,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const auto* options = std::get_if<launcher::Options>(&commandLine)) {
         FUZZ_EXPECT(!options->sources.empty() && !options->destination.empty());
         FUZZ_EXPECT(std::ranges::find(options->sources, "") == options->sources.end());
-        checkSourceArgument(options->sources);
+        // What the launcher hands to the window is read back as the very same paths, or refused.
+        const auto encoded = launcher::encodeSourceList(options->sources);
+        if (const auto* argument = std::get_if<std::string>(&encoded)) {
+            FUZZ_EXPECT(recordconverter::expandSourceList(*argument) == options->sources);
+        }
     } else if (const auto* error = std::get_if<launcher::UsageError>(&commandLine)) {
         FUZZ_EXPECT(!error->sentence.empty());
         const auto isRaw = [](char c) { return c == '\x1b' || c == '\r' || c == '\n'; };

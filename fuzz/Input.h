@@ -20,11 +20,10 @@ public:
         mRest.remove_prefix(end == std::string_view::npos ? mRest.size() : end + 1);
         return text;
     }
-    bool isEmpty() const { return mRest.empty(); }
     std::string rest() { return std::string(mRest); }
     std::vector<std::string> lines() {
         std::vector<std::string> all;
-        while (!isEmpty()) {
+        while (!mRest.empty()) {
             all.push_back(line());
         }
         return all;

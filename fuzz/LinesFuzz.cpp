@@ -3,29 +3,16 @@
 #include "utils/FileUtils.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
 std::vector<std::string> plainLines(const std::string& text) {
     std::vector<std::string> lines;
-    std::string line;
-    bool isOpen = false;
-    for (const char character : text) {
-        isOpen = character != '\n';
-        if (isOpen) {
-            line += character;
-            continue;
-        }
-        lines.push_back(std::exchange(line, ""));
-    }
-    if (isOpen) {
-        lines.push_back(line);
-    }
-    for (std::string& each : lines) {
-        if (!each.empty() && each.back() == '\r') {
-            each.pop_back();
-        }
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const bool isReturned = end > begin && text[end - 1] == '\r';
+        lines.push_back(text.substr(begin, end - begin - (isReturned ? 1 : 0)));
+        begin = end + 1;
     }
     return lines;
 }

@@ -1,20 +1,18 @@
 #include "fuzz/Input.h"
 #include "recordconverter/SourceList.h"
 
-#include <algorithm>
-
 namespace {
 
 /// The same expansion, character by character.
 std::vector<std::string> plainExpansion(const std::string& argument) {
-    const auto bars = std::count(argument.begin(), argument.end(), '|');
-    if (bars == 0) {
+    const std::size_t bar = argument.find('|');
+    if (bar == std::string::npos) {
         return {argument};
     }
-    if (bars > 1) {
+    if (argument.rfind('|') != bar) {
         return {};
     }
-    const std::string pattern = argument.substr(0, argument.find('|'));
+    const std::string pattern = argument.substr(0, bar);
     std::string stem = pattern;
     std::string extension;
     if (const std::size_t dot = pattern.rfind('.'); dot != std::string::npos) {
@@ -22,7 +20,7 @@ std::vector<std::string> plainExpansion(const std::string& argument) {
         extension = dot + 1 == pattern.size() ? "" : pattern.substr(dot);
     }
     std::vector<std::string> paths{stem};
-    for (const char character : argument.substr(argument.find('|') + 1)) {
+    for (const char character : argument.substr(bar + 1)) {
         if (character == ':') {
             paths.back() += extension;
             paths.push_back(stem);

@@ -2,23 +2,7 @@
 #include "logging/ZipEntryNames.h"
 #include "platform/Text.h"
 
-#include <algorithm>
 #include <set>
-#include <sstream>
-
-namespace {
-
-bool staysInside(const std::string& name) {
-    std::istringstream parts(name);
-    for (std::string part; std::getline(parts, part, '/');) {
-        if (part.empty() || part == "." || part == "..") {
-            return false;
-        }
-    }
-    return !name.empty() && name.back() != '/';
-}
-
-} // namespace
 
 /// The root's name, then the paths of files below it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -31,7 +15,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             continue; // names no file
         }
         const std::string name = names.next(path);
-        FUZZ_EXPECT(staysInside(name));
+        for (const char* outside : {"//", "/./", "/../"}) {
+            FUZZ_EXPECT(!("/" + name + "/").contains(outside));
+        }
         FUZZ_EXPECT(name.find_first_of("\\:") == std::string::npos);
         FUZZ_EXPECT(tarn::platform::isValidUtf8(name));
         FUZZ_EXPECT(given.insert(name).second);

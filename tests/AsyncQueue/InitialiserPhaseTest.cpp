@@ -15,7 +15,6 @@ public:
         mContext->mState.exchange(state);
         mContext->wakeWorker();
     }
-    State state() const { return mContext->mState.load(); }
     void postInitialiser(const std::string& name, TaskFunction&& task) {
         const std::lock_guard lock(mContext->mMutex);
         mContext->mQueue.growBack() = {std::move(task), 0, name};
@@ -47,9 +46,6 @@ TEST_F(InitialiserPhaseTest, HoldsPostsBackUntilTheInitialiserTasksAreDone) {
     EXPECT_TRUE(mQueue->suspend(nullptr)) << "held back tasks do not count";
     mQueue->resume();
     probe.enter(State::Processing);
-    while (probe.state() != State::Running) {
-        std::this_thread::yield();
-    }
     run("last", [] {});
     EXPECT_THAT(notes(), ::testing::ElementsAre("initialiser", "held back, in front", "held back"));
     EXPECT_EQ(logged().back(), "240 <Info> Threadpool state is now running, name: Q");
