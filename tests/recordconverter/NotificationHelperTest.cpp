@@ -11,92 +11,70 @@ namespace {
 
 struct Observer {
     std::string name;
-    std::string* heard;
     std::function<void()> onDestroyed = [] {};
 
     ~Observer() { onDestroyed(); }
-    void hear() { *heard += name; }
 };
 
-class Observers : public NotificationHelper<Observer> {
-public:
-    int expiredCalls = 0;
-
-    std::shared_ptr<Observer> add(const std::string& name, std::string& heard) {
-        auto observer = std::make_shared<Observer>(name, &heard);
+class Observers : public testing::Test, protected NotificationHelper<Observer> {
+protected:
+    std::shared_ptr<Observer> add(const std::string& name) {
+        auto observer = std::make_shared<Observer>(name);
         addObserver(observer);
         return observer;
     }
-    void notify() {
-        notifyObservers([](Observer& observer) { observer.hear(); });
+    std::string notified() {
+        std::string names;
+        notifyObservers([&](const Observer& observer) { names += observer.name; });
+        return names;
     }
-
-private:
     void onObserverExpired(std::weak_ptr<Observer> entry) override {
         ++expiredCalls;
         EXPECT_TRUE(entry.expired());
     }
+
+    int expiredCalls = 0;
 };
 
-TEST(NotificationHelper, CallsLiveObserversInOrderOfRegistrationAndEachObjectOnce) {
-    Observers observers;
-    std::string heard;
-    const auto a = observers.add("a", heard);
-    const auto b = observers.add("b", heard);
-    observers.addObserver(a);
-    observers.addObserver(std::shared_ptr<Observer>(b, b.get()));
-    observers.notify();
-    EXPECT_EQ(heard, "ab");
-}
-
-TEST(NotificationHelper, HandsAnExpiredObserverToTheHookOnceAndForgetsIt) {
-    Observers observers;
-    std::string heard;
-    auto a = observers.add("a", heard);
-    const auto b = observers.add("b", heard);
+TEST_F(Observers, AreCalledInOrderOnceEachAndForgottenOnceTheyAreGone) {
+    auto a = add("a");
+    const auto b = add("b");
+    addObserver(a);
+    addObserver(std::shared_ptr<Observer>(b, b.get()));
+    EXPECT_EQ(notified(), "ab");
     a.reset();
-    observers.addObserver({});
-    observers.notify();
-    EXPECT_EQ(observers.expiredCalls, 2);
-    observers.notify();
-    EXPECT_EQ(observers.expiredCalls, 2);
-    EXPECT_EQ(heard, "bb");
+    addObserver({});
+    EXPECT_EQ(notified(), "b");
+    EXPECT_EQ(notified(), "b");
+    EXPECT_EQ(expiredCalls, 2);
 }
 
-TEST(NotificationHelper, SkipsAnObserverThatEndsDuringTheRoundAndTakesOneAddedInItNextTime) {
-    Observers observers;
-    std::string heard;
-    const auto a = observers.add("a", heard);
-    auto b = observers.add("b", heard);
+TEST_F(Observers, AreSkippedWhenTheyEndDuringTheRoundAndCalledTheNextTimeWhenAddedInIt) {
+    const auto a = add("a");
+    auto b = add("b");
     std::shared_ptr<Observer> c;
-    observers.notifyObservers([&](Observer& observer) {
-        observer.hear();
-        if (b != nullptr) {
-            b.reset();
-            c = observers.add("c", heard);
-        }
+    std::string names;
+    notifyObservers([&](const Observer& observer) {
+        names += observer.name;
+        b.reset();
+        c = add("c");
     });
-    EXPECT_EQ(heard, "a");
-    EXPECT_EQ(observers.expiredCalls, 0);
-    observers.notify();
-    EXPECT_EQ(heard, "aac");
-    EXPECT_EQ(observers.expiredCalls, 1);
+    EXPECT_EQ(names, "a");
+    EXPECT_EQ(expiredCalls, 0);
+    EXPECT_EQ(notified(), "ac");
+    EXPECT_EQ(expiredCalls, 1);
 }
 
-TEST(NotificationHelper, AnObserverMayComeBackFromItsDestructorOnAnyThread) {
-    Observers observers;
-    std::string heard;
-    const auto keeper = std::make_shared<Observer>("k", &heard);
+TEST_F(Observers, MayComeBackFromTheirDestructorOnAnyThread) {
+    const auto keeper = std::make_shared<Observer>("k");
     for (int round = 0; round < 2000; ++round) {
-        auto dying = std::make_shared<Observer>("d", &heard);
-        dying->onDestroyed = [&] { observers.addObserver(keeper); };
-        observers.addObserver(dying);
+        auto dying = add("d");
+        dying->onDestroyed = [&] { addObserver(keeper); };
         std::thread releasing([&] { dying.reset(); });
-        observers.addObserver(keeper);
+        addObserver(keeper);
         releasing.join();
     }
-    observers.notify();
-    EXPECT_EQ(heard, "k");
+    EXPECT_EQ(notified(), "k");
 }
 
 } // namespace

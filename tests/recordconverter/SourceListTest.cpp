@@ -5,28 +5,22 @@
 namespace recordconverter {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-TEST(SourceList, APlainPathIsItself) {
-    EXPECT_THAT(expandSourceList("file.mp4"), ElementsAre("file.mp4"));
-    EXPECT_THAT(expandSourceList("C:\\a:b.mp4"), ElementsAre("C:\\a:b.mp4"));
-    EXPECT_THAT(expandSourceList(""), ElementsAre(""));
-}
-
-TEST(SourceList, ATemplateTakesEachNameBeforeItsExtension) {
-    EXPECT_THAT(expandSourceList("C:\\rec\\part.dat|a:b"),
-                ElementsAre("C:\\rec\\parta.dat", "C:\\rec\\partb.dat"));
-    EXPECT_THAT(expandSourceList("/x.y/part.dat|1"), ElementsAre("/x.y/part1.dat"));
-    EXPECT_THAT(expandSourceList("part|b:a"), ElementsAre("partb", "parta"));
-    EXPECT_THAT(expandSourceList("part.|b.x:"), ElementsAre("partb.x", "part"));
-    EXPECT_THAT(expandSourceList(".dat|"), ElementsAre(".dat"));
-    EXPECT_THAT(expandSourceList("|a:b"), ElementsAre("a", "b"));
-}
-
-TEST(SourceList, ThreePartsAreNoList) {
-    EXPECT_THAT(expandSourceList("x|y|z"), IsEmpty());
-    EXPECT_THAT(expandSourceList("||"), IsEmpty());
+TEST(SourceList, TakesOnePathOrATemplateWithANameForEachPart) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> cases{
+        {"C:\\a:b.mp4", {"C:\\a:b.mp4"}},
+        {"", {""}},
+        {"C:\\rec\\part.dat|a:b", {"C:\\rec\\parta.dat", "C:\\rec\\partb.dat"}},
+        {"/x.y/part.dat|1", {"/x.y/part1.dat"}},
+        {"part|b:a", {"partb", "parta"}},
+        {"part.|b.x:", {"partb.x", "part"}},
+        {".dat|", {".dat"}},
+        {"|a:b", {"a", "b"}},
+        {"x|y|z", {}},
+        {"||", {}},
+    };
+    for (const auto& [argument, paths] : cases) {
+        EXPECT_EQ(expandSourceList(argument), paths) << argument;
+    }
 }
 
 } // namespace

@@ -1,18 +1,28 @@
 #include "platform/Library.h"
-#include "recordconverter/EngineFixture.h"
+#include "recordconverter/ConverterLog.h"
 #include "recordconverter/WinMediaConverter.h"
+#include "support/ErrorWatch.h"
+#include "support/FakeLibraries.h"
+#include "support/RecordingLogHook.h"
+#include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <mutex>
 
 namespace recordconverter {
 namespace {
 
+using tarn::testing::expectErrorLine;
 using tarn::testing::fakeEngineFolder;
-using tarn::testing::FakeLibrary;
-using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::IsSupersetOf;
+using ::testing::UnorderedElementsAre;
 
 const std::string kEngineName = tarn::platform::libraryFileName("mediaconverter");
 
@@ -26,165 +36,164 @@ public:
     std::vector<std::string> folders;
 };
 
-class WinMediaConverterTest : public EngineFixture {
-protected:
-    /// Converts `sources` with a variant of the fake engine and waits until its script is done.
-    void convert(const std::string& variant, const std::vector<std::string>& sources) {
-        WinMediaConverter session(fakeEngineFolder(variant), sources, destination, trace);
-        observer = std::make_shared<RecordingObserver>(sources);
-        session.addObserver(observer);
-        const FakeLibrary engine(variant, "mediaconverter");
-        session.loadEngine();
-        session.startConvert(sources, destination, 3, 4);
-        ASSERT_TRUE(engine.waitForScripts());
-        calls = engine.calls();
+/// Keeps the events, each with the number of sources that exist then.
+class Observer : public IMediaConverterCallback {
+public:
+    explicit Observer(std::vector<std::string> sources) : mSources(std::move(sources)) {}
+
+    void onConvertStarted(const std::string& destination) override { add("started", destination); }
+    void onConvertProgress(float percent, const std::string& destination) override {
+        add(std::to_string(percent), destination);
+    }
+    void onConvertError(std::int32_t code, const std::string& destination) override {
+        add("error " + std::to_string(code), destination);
     }
 
-    std::string destination = mFolder / "out.mp4";
+    std::vector<std::string> heard() const {
+        const std::lock_guard lock(mMutex);
+        return mHeard;
+    }
+
+private:
+    void add(const std::string& event, const std::string& destination) {
+        EXPECT_TRUE(destination.ends_with("out.mp4")) << destination;
+        const auto left = std::ranges::count_if(
+            mSources, [](const auto& path) { return tarn::FileUtils().exists(path); });
+        const std::lock_guard lock(mMutex);
+        mHeard.push_back(event + ", files " + std::to_string(left));
+    }
+
+    std::vector<std::string> mSources;
+    mutable std::mutex mMutex;
+    std::vector<std::string> mHeard;
+};
+
+class WinMediaConverterTest : public ::testing::Test {
+protected:
+    /// Converts `sources` with a variant of the fake engine, waits until its script is done and
+    /// gives what the observer heard.
+    std::vector<std::string> convert(const std::string& variant,
+                                     const std::vector<std::string>& sources) {
+        WinMediaConverter session(fakeEngineFolder(variant), sources, destination, trace);
+        const auto observer = std::make_shared<Observer>(sources);
+        session.addObserver(observer);
+        const tarn::testing::FakeLibrary engine(variant, "mediaconverter");
+        session.loadEngine();
+        session.startConvert(sources, destination, 3, 4);
+        EXPECT_TRUE(engine.waitForScripts());
+        calls = engine.calls();
+        return observer->heard();
+    }
+
+    const tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
+    tarn::testing::TemporaryFolder folder;
+    std::string destination = folder / "out.mp4";
     std::shared_ptr<AttachCounter> trace = std::make_shared<AttachCounter>();
-    std::shared_ptr<RecordingObserver> observer;
     std::string calls;
 };
 
-TEST_F(WinMediaConverterTest, ForwardsEventsAndDeletesTheSourceAfterTheObserversHeardOfTheEnd) {
-    const std::string only = source("a.rec", "destroy\nprogress 0\nprogress 99.99\nprogress 100\n");
-    convert("whole", {only});
+TEST_F(WinMediaConverterTest, DeletesTheSourceWhenTheObserversHaveHeardOfTheEndAndNeverBefore) {
+    const std::string only = folder.write(
+        "a.rec", "destroy\nprogress 99.99\nprogress nan\nprogress -inf\nerror -17\nprogress 100\n");
+    EXPECT_THAT(convert("whole", {only}),
+                UnorderedElementsAre("started, files 1", "99.989998, files 1", "nan, files 1",
+                                     "-inf, files 1", "error -17, files 1", "100.000000, files 1"));
+    EXPECT_FALSE(tarn::FileUtils().exists(only));
     EXPECT_EQ(calls, "create\nsingle " + only + " -> " + destination + " 3 4\n");
-    EXPECT_THAT(observer->heard(), AllOf(Contains("started " + destination),
-                                         Contains("progress 99.99 " + destination + " files 1"),
-                                         Contains("progress 100 " + destination + " files 1")));
-    EXPECT_EQ(observer->heard().size(), 4U);
-    EXPECT_FALSE(exists(only));
-    EXPECT_THAT(mLog.lines(),
-                AllOf(Contains("<Debug> media converter instance is created successfully."),
-                      Contains("<Info> FreeLibrary successfully")));
+    EXPECT_THAT(log.lines(), Contains("<Debug> media converter instance is created successfully."));
+    EXPECT_EQ(log.lines().back(), "<Info> FreeLibrary successfully");
     EXPECT_THAT(trace->folders, ElementsAre(fakeEngineFolder("whole")));
 }
 
 TEST_F(WinMediaConverterTest, HandsSeveralSourcesOverInOrderAndDeletesThemAll) {
-    const std::vector<std::string> sources{source("b \xC3\xBC.rec", "progress 100\nprogress 100"),
-                                           source("a.rec"), source("c.rec")};
-    convert("whole", sources);
+    const std::vector<std::string> sources{
+        folder.write("b \xC3\xBC.rec", "progress 100\nprogress 100"), folder.write("a.rec", ""),
+        folder.write("c.rec", "")};
+    EXPECT_THAT(convert("whole", sources),
+                IsSupersetOf({"100.000000, files 3", "100.000000, files 0"}));
     EXPECT_EQ(calls, "create\nmultiple 3 " + sources[0] + " " + sources[1] + " " + sources[2] +
                          " -> " + destination + " 3 4\n");
-    EXPECT_THAT(observer->heard(), AllOf(Contains("progress 100 " + destination + " files 3"),
-                                         Contains("progress 100 " + destination + " files 0")));
-    for (const std::string& path : sources) {
-        EXPECT_FALSE(exists(path)) << path;
-    }
-}
-
-TEST_F(WinMediaConverterTest, KeepsTheSourceWhateverElseTheEngineReports) {
-    const std::string only =
-        source("a.rec", "progress 99.99\nprogress nan\nprogress -100\nprogress -inf\nerror -17\n");
-    convert("whole", {only});
-    EXPECT_THAT(observer->heard(), Contains("error -17 " + destination));
-    EXPECT_TRUE(exists(only));
 }
 
 TEST_F(WinMediaConverterTest, TakesAResultForAFailureByItsBits12To15) {
-    struct Case {
-        std::string result;
-        std::string error;
-    };
-    const std::vector<Case> cases{{"0x0FFF", ""},
-                                  {"0x7FFF0FFF", ""},
-                                  {"-100", "Failed to start media convert: src file number error"},
-                                  {"0x1000", "Failed to start media convert."},
-                                  {"-1", "Failed to start media convert."}};
-    for (const auto& [result, error] : cases) {
-        SCOPED_TRACE(result);
-        const std::string only = source("a.rec", "result " + result + "\nprogress 50");
-        convert("whole", {only});
-        if (error.empty()) {
-            EXPECT_THAT(observer->heard(), Contains("started " + destination));
-        } else {
-            EXPECT_THAT(observer->heard(), IsEmpty());
-            EXPECT_TRUE(mLog.hasError(error));
-            EXPECT_THAT(mLog.lines(), Contains("<Error> " + error));
-        }
-        EXPECT_TRUE(exists(only));
+    const std::string start = "Failed to start media convert";
+    expectErrorLine(start);
+    for (const auto& [result, error] : {std::pair{"0x0FFF", ""},
+                                        {"0x7FFF0FFF", ""},
+                                        {"-100", ": src file number error"},
+                                        {"0x1000", "."}}) {
+        log.clear();
+        const std::string only =
+            folder.write("a.rec", std::string("result ") + result + "\nprogress 50");
+        const bool isStarted = *error == '\0';
+        EXPECT_EQ(convert("whole", {only}).size(), isStarted ? 2U : 0U) << result;
+        EXPECT_THAT(log.lines(), Contains("<Error> " + start + error).Times(isStarted ? 0 : 1))
+            << result;
+        EXPECT_TRUE(tarn::FileUtils().exists(only));
     }
 }
 
 TEST_F(WinMediaConverterTest, StartsNothingWithoutSourcesOrAnInstance) {
-    convert("whole", {});
+    expectErrorLine("Failed to start media convert: src file number error");
+    EXPECT_THAT(convert("whole", {}), IsEmpty());
     EXPECT_EQ(calls, "create\n");
-    EXPECT_TRUE(mLog.hasError("Failed to start media convert: src file number error"));
-    EXPECT_THAT(observer->heard(), IsEmpty());
-    const std::string only = source("a.rec", "progress 100");
+    const std::string only = folder.write("a.rec", "progress 100");
+    expectErrorLine("Failed to create media converter instance.");
     for (const std::string variant : {"failing-factory", "no-instance"}) {
-        SCOPED_TRACE(variant);
-        convert(variant, {only});
+        log.clear();
+        EXPECT_THAT(convert(variant, {only}), IsEmpty());
         EXPECT_EQ(calls, "create\n");
-        EXPECT_THAT(observer->heard(), IsEmpty());
+        EXPECT_THAT(log.lines(), Contains("<Error> Failed to create media converter instance."));
     }
-    EXPECT_TRUE(mLog.hasError("Failed to create media converter instance."));
-    EXPECT_EQ(mLog.count("Failed to create media converter instance."), 2);
-    EXPECT_EQ(mLog.count("media converter instance is created successfully."), 1);
-    EXPECT_TRUE(exists(only));
+    EXPECT_TRUE(tarn::FileUtils().exists(only));
 }
 
-TEST_F(WinMediaConverterTest, AnEngineFolderWithoutTheLibraryIsLoggedAndStillTraced) {
-    {
-        WinMediaConverter session(mFolder.path(), {}, destination, trace);
-        session.loadEngine();
-        EXPECT_FALSE(session.isBound());
-        EXPECT_TRUE(mLog.hasError("Failed to load " + kEngineName));
-        EXPECT_TRUE(mLog.hasError("Can not load " + kEngineName));
-        EXPECT_EQ(mLog.count("Can not load " + kEngineName), 1);
-        session.startConvert({"a"}, destination, 3, 4);
-        EXPECT_TRUE(mLog.hasError("Failed to create media converter instance."));
+TEST_F(WinMediaConverterTest, WithoutTheLibraryOrItsFactoryIsUnboundAndStillTraced) {
+    const std::string missing = "Can not load " + kEngineName;
+    const std::string factory = "Can not open CreateMediaConverter in " + kEngineName;
+    for (const auto& error : {missing, factory}) {
+        log.clear();
+        expectErrorLine(error);
+        expectErrorLine("Failed to load " + kEngineName);
+        expectErrorLine("Failed to create media converter instance.");
+        const std::string place = error == missing ? folder.path() : fakeEngineFolder("no-factory");
+        {
+            WinMediaConverter session(place, {}, destination, trace);
+            session.loadEngine();
+            EXPECT_FALSE(session.isBound());
+            EXPECT_THAT(
+                log.lines().back(),
+                ContainsRegex(error == missing ? error + "$" : error + ", errorCode: [0-9]+$"));
+            session.startConvert({"a"}, destination, 3, 4);
+            EXPECT_EQ(log.lines().back(), "<Error> Failed to create media converter instance.");
+        }
+        EXPECT_EQ(trace->folders.back(), place);
+        EXPECT_THAT(log.lines(),
+                    Contains("<Info> FreeLibrary successfully").Times(error == factory ? 1 : 0));
     }
-    EXPECT_THAT(trace->folders, ElementsAre(mFolder.path()));
-    EXPECT_EQ(mLog.count("FreeLibrary successfully"), 0);
-}
-
-TEST_F(WinMediaConverterTest, ALibraryWithoutTheFactoryStaysLoadedAndUnbound) {
-    {
-        WinMediaConverter session(fakeEngineFolder("no-factory"), {}, destination, trace);
-        session.loadEngine();
-        EXPECT_FALSE(session.isBound());
-        const std::string text =
-            "Can not open CreateMediaConverter in " + kEngineName + ", errorCode: ";
-        EXPECT_TRUE(mLog.hasError(text));
-        EXPECT_EQ(mLog.records().back().message.find_first_not_of("0123456789", text.size()),
-                  std::string::npos);
-        EXPECT_EQ(mLog.count("FreeLibrary successfully"), 0);
-    }
-    EXPECT_EQ(mLog.count("FreeLibrary successfully"), 1);
 }
 
 TEST_F(WinMediaConverterTest, AnObserverThatThrowsHarmsNeitherTheNextOneNorTheEngine) {
-    class Throwing : public RecordingObserver {
+    class Throwing : public Observer {
+    public:
+        using Observer::Observer;
         void onConvertProgress(float, const std::string&) override { throw 1; }
     };
-    const std::string only = source("a.rec", "progress 100");
-    WinMediaConverter session(fakeEngineFolder("whole"), {only}, destination, nullptr);
-    const auto throwing = std::make_shared<Throwing>();
-    observer = std::make_shared<RecordingObserver>();
+    expectErrorLine("A conversion observer failed.");
+    const std::string only = folder.write("a.rec", "progress 100");
+    WinMediaConverter session(fakeEngineFolder("no-stop"), {only}, destination, nullptr);
+    const auto throwing = std::make_shared<Throwing>(std::vector{only});
+    const auto next = std::make_shared<Observer>(std::vector{only});
     session.addObserver(throwing);
-    session.addObserver(observer);
+    session.addObserver(next);
+    EXPECT_TRUE(session.stopConversions(0)) << "nothing is loaded";
     session.loadEngine();
     session.startConvert({only}, destination, 3, 4);
-    ASSERT_TRUE(FakeLibrary("whole", "mediaconverter").waitForScripts());
-    EXPECT_TRUE(mLog.hasError("A conversion observer failed."));
-    EXPECT_THAT(observer->heard(), Contains("progress 100 " + destination + " files 0"));
-    EXPECT_FALSE(exists(only));
-}
-
-TEST_F(WinMediaConverterTest, StopsTheEngineThroughItsOptionalExportOnly) {
-    for (const std::string variant : {"whole", "no-stop"}) {
-        SCOPED_TRACE(variant);
-        const std::string only = source("a.rec", "progress 1");
-        WinMediaConverter session(fakeEngineFolder(variant), {only}, destination, nullptr);
-        EXPECT_TRUE(session.stopConversions(0)) << "nothing is loaded";
-        session.loadEngine();
-        session.startConvert({only}, destination, 3, 4);
-        const FakeLibrary engine(variant, "mediaconverter");
-        ASSERT_TRUE(engine.waitForScripts());
-        EXPECT_EQ(session.stopConversions(20000), variant == "whole");
-    }
+    ASSERT_TRUE(tarn::testing::FakeLibrary("no-stop", "mediaconverter").waitForScripts());
+    EXPECT_FALSE(session.stopConversions(20000)) << "there is no such export";
+    EXPECT_THAT(log.lines(), Contains("<Error> A conversion observer failed."));
+    EXPECT_THAT(next->heard(), Contains("100.000000, files 1"));
+    EXPECT_FALSE(tarn::FileUtils().exists(only));
 }
 
 } // namespace
