@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
+#include <array>
 
 namespace launcher {
 namespace {
@@ -16,53 +16,45 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Optional;
 
-const std::string kEngineName = tarn::platform::libraryFileName("mediaconverter");
-
-class Preflight : public ::testing::Test {
-protected:
-    tarn::testing::TemporaryFolder folder;
-    Job job{.sources = {folder.write("a \xC3\xBC.mkv", "x"), folder.write("b.mkv", "y")},
-            .destination = folder / "out.mp4",
-            .engineFolder = ""};
-};
-
-TEST_F(Preflight, NamesTheFileThatStandsInTheWayAndTheRemedy) {
-    EXPECT_EQ(checkFiles(job), std::nullopt);
-    folder.write("out.mp4", "an older one");
-    EXPECT_EQ(checkFiles(job), std::nullopt);
+TEST(Preflight, NamesTheFileThatStandsInTheWayAndTheRemedy) {
+    const tarn::testing::TemporaryFolder folder;
+    const std::string first = folder.write("a \xC3\xBC.mkv", "x");
+    const std::string second = folder.write("b.mkv", "y");
+    const std::string older = folder.write("out.mp4", "an older one");
     const std::string linked = folder / "linked.mp4";
-    ASSERT_TRUE(tarn::FileUtils().hardLink(job.sources[1], linked));
-    struct Case {
-        std::function<void(Job&)> spoil;
-        std::string name;
-        std::string remedy;
+    ASSERT_TRUE(tarn::FileUtils().hardLink(second, linked));
+    const auto check = [&](const std::string& source, const std::string& destination) {
+        return checkFiles({{first, source}, destination, ""});
     };
-    const std::vector<Case> cases{
-        {[&](Job& bad) { bad.sources[1] = folder / "gone.mkv"; }, "gone.mkv", "check the path"},
-        {[&](Job& bad) { bad.sources[0] = folder.path(); }, folder.path(), "name the recording"},
-        {[&](Job& bad) { bad.destination = bad.sources[1]; }, "b.mkv", "choose another name"},
-        {[&](Job& bad) { bad.destination = linked; }, "linked.mp4", "choose another name"},
-        {[&](Job& bad) { bad.destination = folder / "no/out.mp4"; }, "no", "make it first"},
-        {[&](Job& bad) { bad.destination = folder.makeFolder("d.mp4"); }, "d.mp4", "is a folder"},
-        {[&](Job& bad) { bad.destination = folder / "b2.mkv"; }, "b2.mkv", "must end in .mp4"},
+    EXPECT_EQ(check(second, folder / "new.mp4"), std::nullopt);
+    EXPECT_EQ(check(second, older), std::nullopt);
+    const std::vector<std::array<std::string, 4>> cases{
+        {folder / "gone.mkv", older, "gone.mkv", "check the path"},
+        {folder.path(), older, folder.path(), "name the recording"},
+        {second, second, "b.mkv", "choose another name"},
+        {second, linked, "linked.mp4", "choose another name"},
+        {second, folder / "no/out.mp4", "no", "make it first"},
+        {second, folder.makeFolder("d.mp4"), "d.mp4", "is a folder"},
+        {second, folder / "b2.mkv", "b2.mkv", "must end in .mp4"},
     };
-    for (const Case& one : cases) {
-        Job bad = job;
-        one.spoil(bad);
-        EXPECT_THAT(checkFiles(bad), Optional(AllOf(HasSubstr(one.name), HasSubstr(one.remedy))));
+    for (const auto& [source, destination, name, remedy] : cases) {
+        EXPECT_THAT(check(source, destination),
+                    Optional(AllOf(HasSubstr(name), HasSubstr(remedy))));
     }
 }
 
-TEST_F(Preflight, TellsAnEngineFromWhatIsNone) {
+TEST(Preflight, TellsAnEngineFromWhatIsNone) {
+    const std::string name = tarn::platform::libraryFileName("mediaconverter");
+    const tarn::testing::TemporaryFolder empty;
+    const tarn::testing::TemporaryFolder text;
+    text.write(name, "no library");
     EXPECT_EQ(checkEngine(fakeEngineFolder("whole")), std::nullopt);
-    const std::string text = folder.makeFolder("text");
-    folder.write("text/" + kEngineName, "no library");
-    const std::vector<std::pair<std::string, std::string>> cases{
-        {folder / "gone", "gone"},
+    const std::vector<std::array<std::string, 2>> cases{
+        {empty / "gone", "gone"},
         {"relative", "relative"},
-        {folder.path(), "There is no " + kEngineName},
+        {empty.path(), "There is no " + name},
         {fakeEngineFolder("no-factory"), "CreateMediaConverter"},
-        {text, "can not be loaded"},
+        {text.path(), "can not be loaded"},
     };
     for (const auto& [place, told] : cases) {
         EXPECT_THAT(checkEngine(place),

@@ -37,9 +37,9 @@ public:
 };
 
 /// Keeps the events, each with the number of sources that exist then.
-class Observer : public IMediaConverterCallback {
+class RecordingObserver : public IMediaConverterCallback {
 public:
-    explicit Observer(std::vector<std::string> sources) : mSources(std::move(sources)) {}
+    explicit RecordingObserver(std::vector<std::string> sources) : mSources(std::move(sources)) {}
 
     void onConvertStarted(const std::string& destination) override { add("started", destination); }
     void onConvertProgress(float percent, const std::string& destination) override {
@@ -75,7 +75,7 @@ protected:
     std::vector<std::string> convert(const std::string& variant,
                                      const std::vector<std::string>& sources) {
         WinMediaConverter session(fakeEngineFolder(variant), sources, destination, trace);
-        const auto observer = std::make_shared<Observer>(sources);
+        const auto observer = std::make_shared<RecordingObserver>(sources);
         session.addObserver(observer);
         const tarn::testing::FakeLibrary engine(variant, "mediaconverter");
         session.loadEngine();
@@ -174,16 +174,16 @@ TEST_F(WinMediaConverterTest, WithoutTheLibraryOrItsFactoryIsUnboundAndStillTrac
 }
 
 TEST_F(WinMediaConverterTest, AnObserverThatThrowsHarmsNeitherTheNextOneNorTheEngine) {
-    class Throwing : public Observer {
+    class Throwing : public RecordingObserver {
     public:
-        using Observer::Observer;
+        using RecordingObserver::RecordingObserver;
         void onConvertProgress(float, const std::string&) override { throw 1; }
     };
     expectErrorLine("A conversion observer failed.");
     const std::string only = folder.write("a.rec", "progress 100");
     WinMediaConverter session(fakeEngineFolder("no-stop"), {only}, destination, nullptr);
     const auto throwing = std::make_shared<Throwing>(std::vector{only});
-    const auto next = std::make_shared<Observer>(std::vector{only});
+    const auto next = std::make_shared<RecordingObserver>(std::vector{only});
     session.addObserver(throwing);
     session.addObserver(next);
     EXPECT_TRUE(session.stopConversions(0)) << "nothing is loaded";
