@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cctype>
 #include <mutex>
 
 namespace recordconverter {
@@ -18,10 +19,10 @@ namespace {
 using tarn::testing::expectErrorLine;
 using tarn::testing::fakeEngineFolder;
 using ::testing::Contains;
-using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
+using ::testing::StartsWith;
 using ::testing::UnorderedElementsAre;
 
 const std::string kEngineName = tarn::platform::libraryFileName("mediaconverter");
@@ -36,14 +37,16 @@ public:
     std::vector<std::string> folders;
 };
 
-/// Keeps the events, each with the number of sources that exist then.
+/// Keeps the events; progress with the number of sources that exist then.
 class RecordingObserver : public IMediaConverterCallback {
 public:
     explicit RecordingObserver(std::vector<std::string> sources) : mSources(std::move(sources)) {}
 
     void onConvertStarted(const std::string& destination) override { add("started", destination); }
     void onConvertProgress(float percent, const std::string& destination) override {
-        add(std::to_string(percent), destination);
+        const auto left = std::ranges::count_if(
+            mSources, [](const auto& path) { return tarn::FileUtils().exists(path); });
+        add(std::to_string(percent) + ", files " + std::to_string(left), destination);
     }
     void onConvertError(std::int32_t code, const std::string& destination) override {
         add("error " + std::to_string(code), destination);
@@ -57,10 +60,8 @@ public:
 private:
     void add(const std::string& event, const std::string& destination) {
         EXPECT_TRUE(destination.ends_with("out.mp4")) << destination;
-        const auto left = std::ranges::count_if(
-            mSources, [](const auto& path) { return tarn::FileUtils().exists(path); });
         const std::lock_guard lock(mMutex);
-        mHeard.push_back(event + ", files " + std::to_string(left));
+        mHeard.push_back(event);
     }
 
     std::vector<std::string> mSources;
@@ -96,8 +97,8 @@ TEST_F(WinMediaConverterTest, DeletesTheSourceWhenTheObserversHaveHeardOfTheEndA
     const std::string only = folder.write(
         "a.rec", "destroy\nprogress 99.99\nprogress nan\nprogress -inf\nerror -17\nprogress 100\n");
     EXPECT_THAT(convert("whole", {only}),
-                UnorderedElementsAre("started, files 1", "99.989998, files 1", "nan, files 1",
-                                     "-inf, files 1", "error -17, files 1", "100.000000, files 1"));
+                UnorderedElementsAre("started", "99.989998, files 1", "nan, files 1",
+                                     "-inf, files 1", "error -17", "100.000000, files 1"));
     EXPECT_FALSE(tarn::FileUtils().exists(only));
     EXPECT_EQ(calls, "create\nsingle " + only + " -> " + destination + " 3 4\n");
     EXPECT_THAT(log.lines(), Contains("<Debug> media converter instance is created successfully."));
@@ -150,7 +151,8 @@ TEST_F(WinMediaConverterTest, StartsNothingWithoutSourcesOrAnInstance) {
 
 TEST_F(WinMediaConverterTest, WithoutTheLibraryOrItsFactoryIsUnboundAndStillTraced) {
     const std::string missing = "Can not load " + kEngineName;
-    const std::string factory = "Can not open CreateMediaConverter in " + kEngineName;
+    const std::string factory =
+        "Can not open CreateMediaConverter in " + kEngineName + ", errorCode: ";
     for (const auto& error : {missing, factory}) {
         log.clear();
         expectErrorLine(error);
@@ -161,9 +163,9 @@ TEST_F(WinMediaConverterTest, WithoutTheLibraryOrItsFactoryIsUnboundAndStillTrac
             WinMediaConverter session(place, {}, destination, trace);
             session.loadEngine();
             EXPECT_FALSE(session.isBound());
-            EXPECT_THAT(
-                log.lines().back(),
-                ContainsRegex(error == missing ? error + "$" : error + ", errorCode: [0-9]+$"));
+            const std::string last = log.lines().back();
+            EXPECT_THAT(last, StartsWith("<Error> " + error));
+            EXPECT_EQ(std::isdigit(last.back()) != 0, error == factory) << "the system's number";
             session.startConvert({"a"}, destination, 3, 4);
             EXPECT_EQ(log.lines().back(), "<Error> Failed to create media converter instance.");
         }
