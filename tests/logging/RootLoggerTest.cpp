@@ -84,7 +84,7 @@ TEST_F(RootLoggerTest, TakesTheCallsOfTheLogMacroAndTellsOfANewLevelBeforeItCoun
     TARN_LOG_AT(RootLoggerLevel::Warn, 42, "value: " << 7);
     mLogger.setLogLevel(RootLoggerLevel::Debug);
     EXPECT_THAT(messages(), ElementsAre("Setting Log level to Warn", "value: 7"));
-    EXPECT_THAT(mSink->lines().back(),
+    EXPECT_THAT(mSink->take().back().first,
                 ::testing::EndsWith("][]RootLoggerTest:42 TestBody::value: 7"));
 }
 

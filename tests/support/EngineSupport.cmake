@@ -42,5 +42,5 @@ else()
     set(support_platform linux)
 endif()
 record_converter_library(rc_engine_test_support
-    SOURCES FakeLibraries.cpp ProcessRunner.cpp TemporaryFolder.cpp ${support_platform}/ProcessRunner.cpp
+    SOURCES FakeLibraries.cpp TemporaryFolder.cpp ${support_platform}/ProcessRunner.cpp
     LINK rc_utils rc_platform rc_test_support)

@@ -14,7 +14,6 @@ struct Watch {
     std::mutex mutex;
     std::vector<std::string> expectedBeginnings;
     std::vector<std::string> errors;
-    std::vector<std::function<void()>> actions;
 };
 
 Watch& watch() {
@@ -22,28 +21,19 @@ Watch& watch() {
     return instance;
 }
 
-/// Fails the running test for its unexpected Error lines and forgets what it expected.
-void checkErrorLines() {
-    std::unique_lock lock(watch().mutex);
-    const auto actions = watch().actions;
-    lock.unlock();
-    for (const auto& action : actions) {
-        action();
-    }
-    lock.lock();
-    const auto errors = std::exchange(watch().errors, {});
-    const auto expected = std::exchange(watch().expectedBeginnings, {});
-    lock.unlock();
-    for (const std::string& error : errors) {
-        const auto isBeginning = [&](const std::string& text) { return error.starts_with(text); };
-        if (std::ranges::none_of(expected, isBeginning)) {
-            ADD_FAILURE() << "unexpected Error line: " << error;
+/// Fails the test that ends for its unexpected Error lines and forgets what it expected.
+class ErrorListener : public ::testing::EmptyTestEventListener {
+    void OnTestEnd(const ::testing::TestInfo& /*test*/) override {
+        const std::lock_guard lock(watch().mutex);
+        const auto expected = std::exchange(watch().expectedBeginnings, {});
+        for (const std::string& error : std::exchange(watch().errors, {})) {
+            if (std::ranges::none_of(expected, [&](const auto& beginning) {
+                    return error.starts_with(beginning);
+                })) {
+                ADD_FAILURE() << "unexpected Error line: " << error;
+            }
         }
     }
-}
-
-class ErrorListener : public ::testing::EmptyTestEventListener {
-    void OnTestEnd(const ::testing::TestInfo& /*test*/) override { checkErrorLines(); }
 };
 
 /// GoogleTest owns its listeners; one may be added before main.
@@ -62,11 +52,6 @@ void expectErrorLine(std::string beginning) {
 void noteErrorLine(std::string_view message) {
     const std::lock_guard lock(watch().mutex);
     watch().errors.emplace_back(message);
-}
-
-void beforeErrorCheck(std::function<void()> action) {
-    const std::lock_guard lock(watch().mutex);
-    watch().actions.push_back(std::move(action));
 }
 
 } // namespace tarn::testing

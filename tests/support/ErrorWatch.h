@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -13,8 +12,5 @@ void expectErrorLine(std::string beginning);
 
 /// Notes an Error line. Any thread.
 void noteErrorLine(std::string_view message);
-
-/// Run before the lines are checked, for what logs asynchronously. For the rest of the process.
-void beforeErrorCheck(std::function<void()> action);
 
 } // namespace tarn::testing

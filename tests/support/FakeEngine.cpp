@@ -12,17 +12,18 @@
 //
 // What was called is recorded for FakeEngineCalls.
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #ifndef FAKE_FACTORY_RESULT
@@ -60,14 +61,13 @@ struct State {
     bool stopping = false;
     int running = 0;
     std::vector<std::thread> threads;
-    std::vector<std::unique_ptr<Instance>> instances;
+    std::deque<Instance> instances; // which stay where they are
 };
 
 /// Gone with the library, unless its threads run on while the process exits.
 struct StateOwner {
-    State* state = new State;
+    State* const state = new State;
 
-    StateOwner() = default;
     ~StateOwner() {
         std::unique_lock lock(state->mutex);
         if (state->threads.empty()) {
@@ -75,8 +75,6 @@ struct StateOwner {
             delete state;
         }
     }
-    StateOwner(const StateOwner&) = delete;
-    StateOwner& operator=(const StateOwner&) = delete;
 };
 
 State& state() {
@@ -88,44 +86,42 @@ std::filesystem::path utf8Path(const std::string& text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
 
-struct Command {
-    std::string name;
-    std::string argument;
-};
+using Command = std::pair<std::string, std::string>; // name, argument
 
 std::vector<Command> readScript(const std::string& source) {
     std::vector<Command> commands;
     std::ifstream file(utf8Path(source));
     for (std::string line; std::getline(file, line);) {
-        const std::size_t space = line.find(' ');
-        commands.push_back(
-            {line.substr(0, space), space == std::string::npos ? "" : line.substr(space + 1)});
+        const std::size_t space = std::min(line.find(' '), line.size());
+        commands.emplace_back(line.substr(0, space),
+                              space < line.size() ? line.substr(space + 1) : "");
     }
     return commands;
 }
 
 void run(Sink* sink, const Command& command, const std::string& destination) {
-    if (command.name == "progress") {
-        sink->table->onProgress(sink, std::strtof(command.argument.c_str(), nullptr));
-    } else if (command.name == "error") {
-        sink->table->onError(sink, std::atoi(command.argument.c_str()));
-    } else if (command.name == "destroy") {
+    const auto& [name, argument] = command;
+    if (name == "progress") {
+        sink->table->onProgress(sink, std::strtof(argument.c_str(), nullptr));
+    } else if (name == "error") {
+        sink->table->onError(sink, std::atoi(argument.c_str()));
+    } else if (name == "destroy") {
         sink->table->destructorEntry(sink, 0);
-    } else if (command.name == "write") {
-        std::ofstream(utf8Path(destination)) << command.argument;
-    } else if (command.name == "crash") {
+    } else if (name == "write") {
+        std::ofstream(utf8Path(destination)) << argument;
+    } else if (name == "crash") {
         std::abort();
-    } else if (command.name == "hold") {
+    } else if (name == "hold") {
         std::unique_lock lock(state().mutex);
         state().changed.wait(lock, [] { return state().stopping; });
     }
 }
 
 std::int32_t start(Instance* instance, const std::string& source, const std::string& destination) {
-    std::vector<Command> commands = readScript(source);
+    const std::vector<Command> commands = readScript(source);
     std::int32_t result = 0;
-    if (!commands.empty() && commands.front().name == "result") {
-        result = static_cast<std::int32_t>(std::stol(commands.front().argument, nullptr, 0));
+    if (!commands.empty() && commands.front().first == "result") {
+        result = static_cast<std::int32_t>(std::stol(commands.front().second, nullptr, 0));
     }
     if ((static_cast<std::uint32_t>(result) & 0xF000U) != 0) {
         return result;
@@ -148,14 +144,10 @@ void record(const std::string& call) {
     state().calls += call + "\n";
 }
 
-std::string parameters(const char* destination, std::uint32_t param1, std::uint32_t param2) {
-    return std::string(" -> ") + destination + " " + std::to_string(param1) + " " +
-           std::to_string(param2);
-}
-
 std::int32_t startSingle(Instance* instance, const char* source, const char* destination,
                          std::uint32_t param1, std::uint32_t param2) {
-    record(std::string("single ") + source + parameters(destination, param1, param2));
+    record(std::string("single ") + source + " -> " + destination + " " + std::to_string(param1) +
+           " " + std::to_string(param2));
     return start(instance, source, destination);
 }
 
@@ -165,7 +157,8 @@ std::int32_t startMultiple(Instance* instance, const char* const* sources, std::
     for (std::uint64_t i = 0; i < count; ++i) {
         call += std::string(" ") + sources[i];
     }
-    record(call + parameters(destination, param1, param2));
+    record(call + " -> " + destination + " " + std::to_string(param1) + " " +
+           std::to_string(param2));
     return start(instance, sources[0], destination);
 }
 
@@ -201,8 +194,7 @@ std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
     static_cast<void>(sink);
 #else
     const std::lock_guard lock(state().mutex);
-    state().instances.push_back(std::make_unique<Instance>(Instance{&kInstanceTable, sink}));
-    *instance = state().instances.back().get();
+    *instance = &state().instances.emplace_back(&kInstanceTable, sink);
 #endif
     return FAKE_FACTORY_RESULT;
 }

@@ -53,6 +53,10 @@ struct ProcessResult {
 };
 
 /// Runs a program to its end.
-ProcessResult runProcess(const Process::Start& start);
+inline ProcessResult runProcess(const Process::Start& start) {
+    Process process(start);
+    const int status = process.wait().value_or(-1);
+    return {status, process.output(), process.errors()};
+}
 
 } // namespace tarn::testing

@@ -12,31 +12,26 @@ namespace tarn::testing {
 
 /// Takes the place of the root logger for the life of the object and keeps every record from Debug
 /// up, at once and on the logging thread. For floors below the root logger, and for tests that want
-/// no worker. One at a time; what was installed before comes back.
-///
-///     RecordingLogHook log;                  // or log(noteErrorLine), see ErrorWatch.h
-///     ...
-///     EXPECT_THAT(log.lines(), ElementsAre("<Error> Can't load it"));
+/// no worker. One at a time; what was installed before comes back. `onError` may be noteErrorLine
+/// (ErrorWatch.h).
 class RecordingLogHook {
 public:
     struct Record {
         RootLoggerLevel::Level level;
         std::string message;
         int line;
-        std::string file;
         std::string function;
     };
 
     explicit RecordingLogHook(void (*onError)(std::string_view message) = nullptr) {
         setLogHook([store = mStore, onError](std::string_view message, RootLoggerLevel::Level level,
-                                             int line, std::string_view file,
+                                             int line, std::string_view,
                                              std::string_view function) {
             if (level == RootLoggerLevel::Error && onError != nullptr) {
                 onError(message);
             }
             const std::lock_guard lock(store->mutex);
-            store->records.push_back(
-                {level, std::string(message), line, std::string(file), std::string(function)});
+            store->records.push_back({level, std::string(message), line, std::string(function)});
         });
         setLevelGate(
             [](RootLoggerLevel::Level level) noexcept { return level >= RootLoggerLevel::Debug; });
