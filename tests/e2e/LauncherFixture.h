@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,26 @@ protected:
     ProcessResult launchFake(const std::string& variant, std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder(variant)});
         return launch(arguments);
+    }
+
+    /// The command for the window of a variant whose product library follows an order.
+    Process::Start showCommand(const std::string& order, std::vector<std::string> arguments,
+                               const std::string& variant = "whole") const {
+        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder(variant)});
+        Process::Start start = windowCommand(arguments);
+        start.environment.emplace_back("FAKE_PRODUCT", order);
+        start.environment.emplace_back("QT_QPA_PLATFORM", "offscreen");
+        return start;
+    }
+    /// Starts a conversion and presses Ctrl-C once it shows a text.
+    static void expectStopped(const Process::Start& start, const std::string& shown) {
+        Process process(start);
+        ASSERT_TRUE(process.waitForOutput(shown));
+        const auto begin = std::chrono::steady_clock::now();
+        process.interrupt();
+        EXPECT_EQ(process.wait(), 130);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1500));
+        EXPECT_THAT(process.errors(), HasSubstr("Stopped: nothing was converted"));
     }
 
     /// Where the launcher says that its log is. Linux: of the test's own. Windows: the user's.

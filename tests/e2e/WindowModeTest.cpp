@@ -7,20 +7,12 @@ namespace {
 
 class WindowMode : public LauncherFixture {
 protected:
-    Process::Start start(const std::string& order, std::vector<std::string> arguments,
-                         const std::string& variant = "whole") const {
-        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder(variant)});
-        Process::Start result = windowCommand(arguments);
-        result.environment.emplace_back("FAKE_PRODUCT", order);
-        result.environment.emplace_back("QT_QPA_PLATFORM", "offscreen");
-        return result;
-    }
-
     std::string mSource = mFolder.write("a b.mkv", "x");
 };
 
 TEST_F(WindowMode, HandsOverTheClientsArgumentsAndASecondNameOfASourceThatIsToStay) {
-    ProcessResult result = runProcess(start("delete", {"--theme", "dark", mSource, mDestination}));
+    ProcessResult result =
+        runProcess(showCommand("delete", {"--theme", "dark", mSource, mDestination}));
     std::erase(result.output, '\r');
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output,
@@ -30,7 +22,7 @@ TEST_F(WindowMode, HandsOverTheClientsArgumentsAndASecondNameOfASourceThatIsToSt
     EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv"));
     EXPECT_EQ(readFile(mSource), "x");
 
-    result = runProcess(start("delete", {"--delete-sources", mSource, mDestination}));
+    result = runProcess(showCommand("delete", {"--delete-sources", mSource, mDestination}));
     std::erase(result.output, '\r');
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("3:" + mSource + "\n4:" + mDestination + "\n5:1\n"));
@@ -41,13 +33,13 @@ TEST_F(WindowMode, LeavesNoSecondNamesHoweverItEnds) {
     const std::pair<std::string, int> cases[] = {{"exit", 0}, {"return 0", 0}, {"return -1", 1}};
     for (const auto& [order, status] : cases) {
         const std::string other = mFolder.write("b.mkv", "y");
-        EXPECT_EQ(runProcess(start(order, {mSource, other, mDestination})).status, status);
+        EXPECT_EQ(runProcess(showCommand(order, {mSource, other, mDestination})).status, status);
         EXPECT_THAT(filesLeft(), ElementsAre("a b.mkv", "b.mkv")) << order;
     }
     if (!Process::canInterrupt()) {
         GTEST_SKIP() << "there is no console to interrupt a program on";
     }
-    Process process(start("hold", {mSource, mDestination}));
+    Process process(showCommand("hold", {mSource, mDestination}));
     ASSERT_TRUE(process.waitForOutput("source there"));
     process.interrupt();
     EXPECT_EQ(process.wait(), 130);
@@ -58,7 +50,8 @@ TEST_F(WindowMode, RefusesAMissingSourceAndAFolderWithoutAWindow) {
     const std::pair<std::string, std::string> cases[] = {{"gone.mkv", "There is no recording"},
                                                          {mSource, "There is no window"}};
     for (const auto& [source, told] : cases) {
-        const ProcessResult result = runProcess(start("exit", {source, mDestination}, "no-stop"));
+        const ProcessResult result =
+            runProcess(showCommand("exit", {source, mDestination}, "no-stop"));
         EXPECT_EQ(result.status, 2);
         EXPECT_THAT(result.errors, HasSubstr(told));
         EXPECT_EQ(result.output, "");

@@ -29,16 +29,5 @@ TEST(Text, ReplacesWhatIsNotUtf8) {
     EXPECT_EQ(toUtf8(lone), "\xEF\xBF\xBD\xEF\xBF\xBDz");
 }
 
-TEST(Text, TakesTheLongestWellFormedBeginningForOneReplacement) {
-    const std::string_view text("\xF0\x9F\x98\x80\xF0\x9F\x98z\xED\xA0\x80\xF4\x8F");
-    std::string lengths;
-    for (std::size_t position = 0; position < text.size();) {
-        const DecodedCharacter character = decodeUtf8(text, position);
-        lengths += std::to_string(character.length) + (character.valid ? "v" : "i");
-        position += character.length;
-    }
-    EXPECT_EQ(lengths, "4v3i1v1i1i1i2i");
-}
-
 } // namespace
 } // namespace tarn::platform

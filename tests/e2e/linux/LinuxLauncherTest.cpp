@@ -5,25 +5,18 @@
 namespace e2e {
 namespace {
 
-class LinuxLauncher : public LauncherFixture {
-protected:
-    ProcessResult show(std::vector<std::string> arguments,
-                       const std::vector<std::pair<std::string, std::string>>& environment) const {
-        arguments.insert(arguments.begin(), {"--engine-folder", fakeEngineFolder("whole")});
-        Process::Start start = windowCommand(arguments);
-        start.environment.insert(start.environment.end(), environment.begin(), environment.end());
-        return runProcess(start);
-    }
-};
+class LinuxLauncher : public LauncherFixture {};
 
 TEST_F(LinuxLauncher, SaysThatThereIsNoDisplayAndNamesTheTerminal) {
     const std::string source = mFolder.write("a.mkv", "x");
     const std::pair<std::string, std::string> displays[] = {
         {"", ""}, {":987", "no-such-socket"}, {"unix:987.0", "/no/such/socket"}, {"nonsense", ""}};
     for (const auto& [x11, wayland] : displays) {
-        const ProcessResult result =
-            show({source, mDestination},
-                 {{"DISPLAY", x11}, {"WAYLAND_DISPLAY", wayland}, {"QT_QPA_PLATFORM", ""}});
+        Process::Start start = showCommand("exit", {source, mDestination});
+        start.environment.insert(
+            start.environment.end(),
+            {{"DISPLAY", x11}, {"WAYLAND_DISPLAY", wayland}, {"QT_QPA_PLATFORM", ""}});
+        const ProcessResult result = runProcess(start);
         EXPECT_EQ(result.status, 2) << x11 << " " << wayland;
         EXPECT_THAT(result.errors, AllOf(HasSubstr("no display"), HasSubstr("--no-window")));
     }
@@ -31,9 +24,9 @@ TEST_F(LinuxLauncher, SaysThatThereIsNoDisplayAndNamesTheTerminal) {
 
 TEST_F(LinuxLauncher, LendsTheWindowAPlainNameForOneThatItCanNotTake) {
     const std::string odd = mFolder.write("a|b.mkv", "x");
-    EXPECT_EQ(show({odd, mDestination}, {{"QT_QPA_PLATFORM", "offscreen"}}).status, 0);
+    EXPECT_EQ(runProcess(showCommand("exit", {odd, mDestination})).status, 0);
     const ProcessResult result =
-        show({"--delete-sources", odd, mDestination}, {{"QT_QPA_PLATFORM", "offscreen"}});
+        runProcess(showCommand("exit", {"--delete-sources", odd, mDestination}));
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, AllOf(HasSubstr("a|b.mkv"), HasSubstr("--no-window")));
     EXPECT_TRUE(exists(odd));
