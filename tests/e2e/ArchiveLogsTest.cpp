@@ -1,7 +1,6 @@
 // `--archive-logs`, on the logs of earlier runs.
 
 #include "e2e/LauncherFixture.h"
-#include "utils/FileUtils.h"
 
 namespace e2e {
 namespace {

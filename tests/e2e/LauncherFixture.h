@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/Identity.h"
 #include "support/FakeLibraries.h"
 #include "support/ProcessRunner.h"
 #include "support/TemporaryFolder.h"
+#include "utils/FileUtils.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -26,7 +29,17 @@ using ::testing::StartsWith;
 class LauncherFixture : public ::testing::Test {
 protected:
     /// The launcher's command with the arguments, not started yet.
-    Process::Start windowCommand(const std::vector<std::string>& arguments) const;
+    Process::Start windowCommand(const std::vector<std::string>& arguments) const {
+        const tarn::FileUtils files;
+        const std::string own = tarn::platform::programFile();
+        const std::string programs = files.joinPath(files.directoryOfPath(own) + "..", "bin");
+        Process::Start start{
+            .command = {files.joinPath(programs, "record-converter" + files.extensionOfPath(own))},
+            .environment = {{"XDG_DATA_HOME", mData.path()}},
+            .folder = mFolder.path()};
+        start.command.insert(start.command.end(), arguments.begin(), arguments.end());
+        return start;
+    }
     /// The same with `--no-window` before them.
     Process::Start command(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), "--no-window");
@@ -62,15 +75,32 @@ protected:
     }
 
     /// Where the launcher says that its log is. Linux: of the test's own. Windows: the user's.
-    std::string logFolder() const;
+    std::string logFolder() const {
+        const std::string help = launch({"--help"}).output;
+        const std::size_t begin = help.rfind("log: ") + 5;
+        return help.substr(begin, help.find_first_of("\r\n", begin) - begin);
+    }
     /// The log of the last run that wrote one.
-    std::vector<std::string> logLines() const;
+    std::vector<std::string> logLines() const {
+        const tarn::FileUtils files;
+        return files.readAllLines(files.joinPath(logFolder(), "current_log.txt"));
+    }
     /// How many lines of the log hold the text.
-    int logged(const std::string& text) const;
+    std::ptrdiff_t logged(const std::string& text) const {
+        return std::ranges::count_if(logLines(),
+                                     [&](const std::string& line) { return line.contains(text); });
+    }
 
     /// The names in the working folder, sorted.
-    std::vector<std::string> filesLeft() const;
-    static bool exists(const std::string& path);
+    std::vector<std::string> filesLeft() const {
+        std::vector<std::string> names = tarn::FileUtils().getFilesRecursive(mFolder.path());
+        for (std::string& name : names) {
+            name.erase(0, mFolder.path().size() + 1);
+        }
+        std::ranges::sort(names);
+        return names;
+    }
+    static bool exists(const std::string& path) { return tarn::FileUtils().exists(path); }
 
     tarn::testing::TemporaryFolder mData;
     tarn::testing::TemporaryFolder mFolder;

@@ -2,9 +2,7 @@
 
 #include "e2e/LauncherFixture.h"
 #include "engine/MediaProbe.h"
-#include "platform/Identity.h"
 #include "platform/KnownFolders.h"
-#include "utils/FileUtils.h"
 
 #include <regex>
 

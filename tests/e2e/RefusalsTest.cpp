@@ -2,9 +2,6 @@
 
 #include "e2e/LauncherFixture.h"
 #include "platform/Library.h"
-#include "utils/FileUtils.h"
-
-#include <algorithm>
 
 namespace e2e {
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "e2e/LauncherFixture.h"
-#include "utils/FileUtils.h"
 
 #include <string>
 

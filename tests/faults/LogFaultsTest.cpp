@@ -2,7 +2,6 @@
 
 #include "faults/FaultFixture.h"
 
-#include <algorithm>
 #include <regex>
 
 namespace e2e {
