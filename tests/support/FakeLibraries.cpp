@@ -28,14 +28,6 @@ FakeLibrary::~FakeLibrary() {
     platform::unload(mLibrary);
 }
 
-void* FakeLibrary::symbol(const char* name) const {
-    void* const address = platform::findSymbol(mLibrary, name);
-    if (address == nullptr) {
-        throw std::runtime_error(std::string("the fake library has no ") + name);
-    }
-    return address;
-}
-
 std::string FakeLibrary::calls() const {
     return function<const char* (*)()>(mCallsName.c_str())();
 }

@@ -7,7 +7,7 @@
 
 namespace tarn::testing {
 
-/// The folder of a variant of the fake engine, UTF-8; tests/support/CMakeLists.txt has the names.
+/// The folder of a variant of the fake engine, UTF-8; EngineSupport.cmake has the names.
 std::string fakeEngineFolder(const std::string& variant);
 
 /// Keeps one library of a fake engine loaded beside the program's own handle, for its test-only
@@ -21,7 +21,7 @@ public:
 
     template <typename Function>
     Function function(const char* name) const {
-        return reinterpret_cast<Function>(symbol(name));
+        return reinterpret_cast<Function>(platform::findSymbol(mLibrary, name));
     }
     /// What the program called so far, one call in a line.
     std::string calls() const;
@@ -29,8 +29,6 @@ public:
     bool waitForScripts() const;
 
 private:
-    void* symbol(const char* name) const;
-
     std::string mCallsName;
     platform::LibraryHandle mLibrary;
 };

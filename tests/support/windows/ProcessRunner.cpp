@@ -73,9 +73,7 @@ struct Process::Implementation {
         }
         ~Reader() {
             closeWriteEnd();
-            if (mThread.joinable()) {
-                mThread.join();
-            }
+            finish();
             CloseHandle(mRead);
         }
         Reader(const Reader&) = delete;
