@@ -71,8 +71,6 @@ protected:
     std::string output;
 };
 
-} // namespace
-
 TEST_F(Run, FinishedAndClosedEndsWithStatus0AndEveryLineInTheLog) {
     EXPECT_EQ(run("progress 12.5\nwrite film\nprogress 100\n", "await=viewFinish print escape"), 0);
     EXPECT_THAT(output, AllOf(HasSubstr("viewStart 0"), HasSubstr("viewError 0"),
@@ -213,4 +211,5 @@ TEST_F(Run, NobodyActsOnEndsAfterAMinute) {
     EXPECT_THAT(log(), EndsWith(":94 onExitTimer::exit timer timeout\n"));
 }
 
+} // namespace
 } // namespace recordconverter::app::test
