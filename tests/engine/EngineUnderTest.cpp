@@ -50,7 +50,7 @@ void EngineTest::convert(const std::vector<std::string>& sources, const std::str
     ASSERT_GE(sink.progress.size(), 2U);
     EXPECT_TRUE(std::ranges::is_sorted(sink.progress)) << ::testing::PrintToString(sink.progress);
     EXPECT_EQ(sink.progress.front(), 0.0F);
-    EXPECT_LT(sink.progress.end()[-2], 100.0F);
+    EXPECT_LT(sink.progress[sink.progress.size() - 2], 100.0F);
     EXPECT_THAT(trace.lines, ::testing::Each(::testing::Key(::testing::Gt(0U))));
     EXPECT_EQ(temporaries(), 0U);
 }
