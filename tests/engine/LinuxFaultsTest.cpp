@@ -50,7 +50,7 @@ TEST_F(LinuxFaults, ASourceOrFolderThatChangesMeanwhileIsAnErrorAndARemovedSourc
     for (const auto& [code, change] : cases) {
         folder.write("source.webm", readFile(recording("long.webm")));
         RecordingSink sink;
-        sink.onProgress = [&, isChanged = false](float percent) mutable {
+        sink.onProgress = [&, &change = change, isChanged = false](float percent) mutable {
             if (percent > 1 && !std::exchange(isChanged, true)) {
                 EXPECT_EQ(change(), 0);
             }
