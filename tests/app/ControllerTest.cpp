@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMetaMethod>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -79,6 +81,21 @@ public slots:
 };
 
 } // namespace
+
+TEST_F(Controller, HasItsSignalsSlotsAndPropertiesInTheAgreedOrder) {
+    const QMetaObject& meta = MediaConverterController::staticMetaObject;
+    QByteArrayList members;
+    for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
+        members << meta.method(index).methodSignature();
+    }
+    for (int index = meta.propertyOffset(); index < meta.propertyCount(); ++index) {
+        members << meta.property(index).name();
+    }
+    EXPECT_EQ(members.join(' '),
+              "convertStarted() convertProgress(float,QString) convertFinished(QString) "
+              "convertError(int,QString) infoChanged() exitProcess() open() play() close() isDark "
+              "convertingStartedText convertingFinishedText convertingErrorText");
+}
 
 TEST_F(Controller, TakesTextsPathsAndThemeFromItsArguments) {
     expectErrorLine("Can not load ");

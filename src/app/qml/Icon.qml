@@ -39,17 +39,24 @@ Control {
 
         required property var control
 
-        // Centred on whole pixels of the screen whatever the control's padding: sharp.
-        function centred(start: real, space: real, size: real): real {
+        // In the window, where the view rests; it slides by whole pixels from end to end.
+        readonly property point corner: {
+            const place = glyph.control
+            return place.parent?.mapToItem(null, place.x, place.y) ?? Qt.point(0, 0)
+        }
+
+        // Centred on whole pixels of the screen whatever the control's place and padding: sharp.
+        function centred(corner: real, start: real, space: real, size: real): real {
             const scale = Screen.devicePixelRatio
-            return Math.round((start + (space - size) / 2) * scale) / scale - start
+            const inWindow = corner + start
+            return Math.round((inWindow + (space - size) / 2) * scale) / scale - inWindow
         }
 
         Image {
             id: image
 
-            x: glyph.centred(glyph.x, glyph.width, width)
-            y: glyph.centred(glyph.y, glyph.height, height)
+            x: glyph.centred(glyph.corner.x, glyph.x, glyph.width, width)
+            y: glyph.centred(glyph.corner.y, glyph.y, glyph.height, height)
             // The overlay needs the whole URL: elsewhere a relative one means another file.
             source: glyph.control.iconButtonSvg === "" ? ""
                                                        : Qt.resolvedUrl(glyph.control.iconButtonSvg)

@@ -139,6 +139,9 @@ ApplicationWindow {
 
             anchors.fill: parent
             anchors.margins: root.margin
+            // Three lines of text are higher than what is left between margins.
+            anchors.topMargin: root.borderWidth
+            anchors.bottomMargin: root.borderWidth
             spacing: root.space
             layoutDirection: root.isRTL ? Qt.RightToLeft : Qt.LeftToRight
         }
