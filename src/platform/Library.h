@@ -24,8 +24,9 @@ void* findSymbol(LibraryHandle library, const char* name);
 bool unload(LibraryHandle library);
 
 /// Adds a folder to those searched for the dependencies of libraries loaded later
-/// (`AddDllDirectory`). Linux has no such process-wide list: libraries carry their own RPATH and
-/// nothing is added. False on failure.
+/// (`AddDllDirectory`), which from then on are neither the working folder nor those of PATH
+/// (`SetDefaultDllDirectories`). Linux has no such process-wide list: libraries carry their own
+/// RPATH and nothing is added. False on failure.
 bool addLibraryFolder(const std::wstring& folder);
 
 /// The calling thread's code of the last failure in this header: `GetLastError` on Windows,

@@ -71,7 +71,7 @@ public:
     }
     ~Toast() {
         qInstallMessageHandler(nullptr);
-        EXPECT_EQ(warnings, QStringList());
+        EXPECT_EQ(warnings.join('\n').toStdString(), "");
     }
 
     StubController controller;

@@ -42,7 +42,10 @@ bool unload(LibraryHandle library) {
 }
 
 bool addLibraryFolder(const std::wstring& folder) {
-    return AddDllDirectory(folder.c_str()) != nullptr;
+    // Without the second call only LoadLibraryEx with a flag that Qt does not give looks there: the
+    // libraries that a plugin needs would be looked for in the working folder and in PATH instead.
+    return AddDllDirectory(folder.c_str()) != nullptr &&
+           SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS) != 0;
 }
 
 std::uint32_t lastError() {
