@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
 # Takes the pictures of the toast in docs/: each view in both themes, and in Arabic, of real runs on
-# a screen of their own.
+# a screen of their own. Of a build for Windows with Qt each view once, under Wine.
 # Usage: scripts/screenshots.sh [BUILD_FOLDER [PICTURE_FOLDER]]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-program=${1:-build/dev}/bin/record-converter
+build=${1:-build/dev}
+program=("$build/bin/record-converter")
 pictures=${2:-docs}
+if [ -e "${program[0]}.exe" ]; then
+    program=(scripts/wine.sh "$PWD/$build/wine" "${program[0]}.exe")
+    export QSG_RHI_BACKEND=opengl # with the others of Wine 8 the window stays empty
+fi
 
 work=$(mktemp -d)
 run=
@@ -29,7 +34,8 @@ export XDG_DATA_HOME=$work/data
 
 # One that takes a while, as it must be encoded anew, one that is copied, one that is none.
 ffmpeg -hide_banner -loglevel error \
-    -f lavfi -i testsrc2=size=1280x720:rate=30:duration=30 -c:v ffv1 "$work/long.mkv"
+    -f lavfi -i testsrc2=size=1280x720:rate=30:duration=45 -c:v libvpx -deadline realtime \
+    -cpu-used 8 "$work/long.mkv"
 ffmpeg -hide_banner -loglevel error \
     -f lavfi -i testsrc2=size=320x180:rate=25:duration=2 -c:v libx264 "$work/short.mkv"
 echo "no recording" >"$work/broken.mkv"
@@ -45,7 +51,7 @@ unset QT_QPA_PLATFORM WAYLAND_DISPLAY LC_ALL LANGUAGE
 picture() {
     local name=$1 source=$2 waited=0 geometry left top width
     shift 2
-    "$program" "$@" "$work/$source" "$work/result.mp4" 2>"$work/program.log" &
+    "${program[@]}" "$@" "$work/$source" "$work/result.mp4" 2>"$work/program.log" &
     run=$!
     until LC_ALL=C xwininfo -name Obrix >/dev/null 2>&1; do
         sleep 0.1
@@ -79,6 +85,10 @@ views() {
 
 mkdir -p "$pictures"
 export LANG=en_US.UTF-8
+if [ "${#program[@]}" -gt 1 ]; then
+    views windows --theme light
+    exit
+fi
 views light --theme light
 views dark --theme dark
 export LANG=ar_EG.UTF-8

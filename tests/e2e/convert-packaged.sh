@@ -62,12 +62,21 @@ if [ ${#wine[@]} -gt 0 ]; then
         strings -el "$file" | grep -A1 -x ProductVersion | grep -qxF "$version" ||
             fail "$file has another version than $version"
     done
-elif [ -e "$runtime/librecord-converter.so" ]; then
+fi
+
+if [ -e "$runtime/librecord-converter.so" ] || [ -e "$runtime/record-converter.dll" ]; then
     cp "$recordings/h264-aac.mkv" "$folder/shown.mkv"
+    if [ ${#wine[@]} -gt 0 ]; then
+        # A prefix whose first program saw no display never shows a window.
+        log=${log/"${wine[1]}"/"$work/wine"}
+        wine[1]=$work/wine
+        trap 'WINEPREFIX=$work/wine wineserver --kill --wait; rm -rf "$work"' EXIT
+    fi
     # shellcheck disable=SC2016 # the words are for the inner shell
-    xvfb-run -a bash -c '"$1" "$2" "$3" & for try in {1..300}; do
-        sleep 0.1; ! grep -q "recording convert completed" "$4" || break; done
-        kill -INT $!; wait $!' show "$program" "$folder/shown.mkv" "$folder/shown.mp4" "$log" || true
+    QSG_RHI_BACKEND=opengl xvfb-run -a bash -c 'log=$1; "${@:2}" & for try in {1..900}; do
+        sleep 0.1; ! grep -q "recording convert completed" "$log" || break; done
+        kill $!; wait $!' show "$log" "${wine[@]}" "$program" \
+        "$(native "$folder/shown.mkv")" "$(native "$folder/shown.mp4")" || true
     logged 'recording convert completed'
     expect "$folder/shown.mp4" "h264 aac"
     if grep -iE '<(Warn|Error|Fatal)>.*qml' "$log"; then fail "the window is not whole"; fi
