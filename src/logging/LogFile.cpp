@@ -1,20 +1,14 @@
 #include "logging/LogFile.h"
 
-#include "platform/Files.h"
-
 namespace tarn {
 
 bool LogFile::open(const std::string& path, Mode mode) {
-    mFile.close();
-    // The lines wait in mBuffer alone, so that a failed write tells how many bytes were taken.
-    mFile.pubsetbuf(nullptr, 0);
-    const auto openMode =
-        std::ios::out | std::ios::binary | (mode == Mode::Append ? std::ios::app : std::ios::trunc);
-    mGood = mFile.open(platform::nativePath(path), openMode) != nullptr;
+    using enum platform::AppendFile::Existing;
+    mGood = mFile.open(path, mode == Mode::Append ? Kept : Emptied);
     if (!mGood) {
         return false;
     }
-    const std::int64_t size = mFile.pubseekoff(0, std::ios::end, std::ios::out);
+    const std::int64_t size = mFile.size();
     if (mode == Mode::Truncate || size != mWritten) {
         mTorn = 0;
     }
@@ -31,11 +25,9 @@ bool LogFile::flush() {
     if (!mGood) {
         return false;
     }
-    const std::size_t size = mBuffer.size() - mTorn;
-    const std::streamsize taken =
-        size > 0 ? mFile.sputn(mBuffer.data() + mTorn, static_cast<std::streamsize>(size)) : 0;
-    mWritten += taken;
-    const std::size_t written = mTorn + static_cast<std::size_t>(taken);
+    const std::size_t taken = mFile.write(std::string_view(mBuffer).substr(mTorn));
+    mWritten += static_cast<std::int64_t>(taken);
+    const std::size_t written = mTorn + taken;
     if (written == mBuffer.size()) {
         mBuffer.clear();
         mTorn = 0;
@@ -51,7 +43,7 @@ bool LogFile::flush() {
 bool LogFile::close() {
     const bool flushed = flush();
     mGood = false;
-    return mFile.close() != nullptr && flushed;
+    return mFile.close() && flushed;
 }
 
 std::deque<std::string> LogFile::takeUnwritten() {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/AppendFile.h"
+
 #include <cstdint>
 #include <deque>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -39,7 +40,7 @@ public:
     }
 
 private:
-    std::filebuf mFile;
+    platform::AppendFile mFile;
     std::string mBuffer;       ///< whole lines with their line feeds
     std::size_t mTorn = 0;     ///< bytes of the buffer's first line that a failed write did write
     std::int64_t mWritten = 0; ///< the file's size

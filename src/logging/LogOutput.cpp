@@ -80,9 +80,12 @@ void LogOutput::expand(const LogRecord& record) {
         mComponents.timestamp = timestampText(record.time);
         mLastTime = record.time;
     }
+    if (record.threadId != mLastThreadId) {
+        mComponents.threadId = "0x";
+        appendNumber(mComponents.threadId, record.threadId, 16);
+        mLastThreadId = record.threadId;
+    }
     mComponents.level = RootLoggerLevel::levelText(record.level);
-    mComponents.threadId = "0x";
-    appendNumber(mComponents.threadId, record.threadId, 16);
     mComponents.processId = processIdText();
     mComponents.threadName = record.threadName();
     mComponents.file = record.file();

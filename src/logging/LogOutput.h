@@ -69,6 +69,7 @@ private:
     LogComponents mComponents; ///< of the line in work; kept for its buffers
     std::string mLine;         ///< likewise
     std::time_t mLastTime = -1;
+    std::uint32_t mLastThreadId = 0; ///< none has this
 };
 
 } // namespace tarn

@@ -1,0 +1,43 @@
+#include "platform/AppendFile.h"
+
+#include "platform/linux/SystemPath.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tarn::platform {
+
+bool AppendFile::open(const std::string& path, Existing existing) {
+    close();
+    const int emptying = existing == Existing::Emptied ? O_TRUNC : 0;
+    mHandle = ::open(systemPath(path), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | emptying, 0666);
+    return mHandle != kNone;
+}
+
+std::size_t AppendFile::write(std::string_view bytes) {
+    std::size_t taken = 0;
+    while (taken < bytes.size()) {
+        const ssize_t put =
+            ::write(static_cast<int>(mHandle), bytes.data() + taken, bytes.size() - taken);
+        if (put == 0 || (put < 0 && errno != EINTR)) {
+            break;
+        }
+        taken += put > 0 ? static_cast<std::size_t>(put) : 0;
+    }
+    return taken;
+}
+
+std::int64_t AppendFile::size() const {
+    struct stat found {};
+    return ::fstat(static_cast<int>(mHandle), &found) == 0 ? found.st_size : 0;
+}
+
+bool AppendFile::close() {
+    const std::intptr_t handle = std::exchange(mHandle, kNone);
+    return handle != kNone && ::close(static_cast<int>(handle)) == 0;
+}
+
+} // namespace tarn::platform
