@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <sstream>
+#include <system_error>
 
 namespace tarn {
 
@@ -14,12 +15,24 @@ void LogStream::appendLong(std::string_view text) {
     mLong.append(text);
 }
 
-LogStream& LogStream::operator<<(double value) {
+template <typename... Form>
+LogStream& LogStream::appendNumber(Form... form) {
+    if (mLong.empty()) {
+        const auto [end, error] =
+            std::to_chars(mUsual.data() + mSize, mUsual.data() + kUsualSize, form...);
+        if (error == std::errc()) {
+            mSize = static_cast<std::size_t>(end - mUsual.data());
+            return *this;
+        }
+    }
     std::array<char, 32> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::general, 6);
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), form...);
     append({buffer.data(), end.ptr});
     return *this;
+}
+
+LogStream& LogStream::operator<<(double value) {
+    return appendNumber(value, std::chars_format::general, 6);
 }
 
 LogStream& LogStream::operator<<(const void* pointer) {
@@ -31,17 +44,11 @@ LogStream& LogStream::operator<<(const void* pointer) {
 }
 
 LogStream& LogStream::appendSigned(std::int64_t value) {
-    std::array<char, 24> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    append({buffer.data(), end.ptr});
-    return *this;
+    return appendNumber(value);
 }
 
 LogStream& LogStream::appendUnsigned(std::uint64_t value) {
-    std::array<char, 24> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    append({buffer.data(), end.ptr});
-    return *this;
+    return appendNumber(value);
 }
 
 } // namespace tarn

@@ -57,6 +57,9 @@ private:
     }
     void appendLong(std::string_view text);
 
+    /// What std::to_chars takes behind its buffer.
+    template <typename... Form>
+    LogStream& appendNumber(Form... form);
     LogStream& appendSigned(std::int64_t value);
     LogStream& appendUnsigned(std::uint64_t value);
 
