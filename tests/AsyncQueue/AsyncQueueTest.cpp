@@ -74,7 +74,7 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
         for (const auto& [name, ownName] :
              std::initializer_list<std::pair<std::string, std::string>>{
                  {"first", ""}, {"first", "a task's own name"}, {"second", ""}}) {
-            run(name, [&] {
+            run(name, [&, &name = name, &ownName = ownName] {
                 worker = platform::threadId();
                 EXPECT_EQ(mQueue->currentTaskName(), name);
                 EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[" + name + "]");

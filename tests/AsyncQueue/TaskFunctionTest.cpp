@@ -12,7 +12,12 @@ namespace {
 template <typename Ballast>
 void moveAbout() {
     const auto calls = std::make_shared<int>(0);
-    const auto make = [&] { return [calls, ballast = Ballast()] { ++*calls; }; };
+    const auto make = [&] {
+        return [calls, ballast = Ballast()] {
+            static_cast<void>(ballast);
+            ++*calls;
+        };
+    };
     {
         TaskFunction first;
         first = make();

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace recordconverter {
 namespace {
@@ -13,6 +14,9 @@ struct Observer {
     std::string name;
     std::function<void()> onDestroyed = [] {};
 
+    explicit Observer(std::string ownName) : name(std::move(ownName)) {}
+    Observer(const Observer&) = delete;
+    Observer& operator=(const Observer&) = delete;
     ~Observer() { onDestroyed(); }
 };
 

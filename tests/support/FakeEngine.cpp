@@ -162,7 +162,7 @@ std::int32_t startMultiple(Instance* instance, const char* const* sources, std::
     return start(instance, sources[0], destination);
 }
 
-constexpr InstanceTable kInstanceTable{{}, startSingle, startMultiple};
+[[maybe_unused]] constexpr InstanceTable kInstanceTable{{}, startSingle, startMultiple};
 
 /// Returns 0 when no script runs any more; `stop` ends the waiting of "hold".
 std::int32_t waitForScripts(bool stop, std::uint32_t milliseconds) {
@@ -194,7 +194,7 @@ std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
     static_cast<void>(sink);
 #else
     const std::lock_guard lock(state().mutex);
-    *instance = &state().instances.emplace_back(&kInstanceTable, sink);
+    *instance = &state().instances.emplace_back(Instance{&kInstanceTable, sink});
 #endif
     return FAKE_FACTORY_RESULT;
 }

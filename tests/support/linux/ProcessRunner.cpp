@@ -21,9 +21,10 @@ std::vector<std::string> environmentOf(const Process::Start& start) {
         result.emplace_back(*entry);
     }
     for (const auto& [name, value] : start.environment) {
-        std::erase_if(result, [&](const auto& entry) { return entry.starts_with(name + "="); });
+        const std::string begin = name + "=";
+        std::erase_if(result, [&](const auto& entry) { return entry.starts_with(begin); });
         if (!value.empty()) {
-            result.push_back(name + "=" + value);
+            result.push_back(begin + value);
         }
     }
     return result;
