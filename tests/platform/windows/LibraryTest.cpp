@@ -26,8 +26,20 @@ TEST(WindowsLibrary, SystemSearchLooksForDependenciesInTheSystemFolderOnly) {
     ASSERT_NE(library, nullptr) << lastError();
     EXPECT_NE(findSymbol(library, "GetFileVersionInfoSizeW"), nullptr);
     EXPECT_TRUE(unload(library));
+}
+
+TEST(WindowsLibrary, FindsWhatAPlainLoadNeedsInAnAddedFolder) {
+    const tarn::testing::TemporaryFolder temporary;
+    const std::string file = temporary / "plugin.dll";
+    ASSERT_TRUE(copyFileContents(toUtf8(inLibraries("plugin.dll")), file));
+    const auto load = [&] { return LoadLibraryW(toWide(file).c_str()); }; // as Qt does
+    EXPECT_EQ(load(), nullptr);
     EXPECT_FALSE(addLibraryFolder(L"relative"));
-    EXPECT_TRUE(addLibraryFolder(inLibraries("")));
+    EXPECT_EQ(load(), nullptr);
+    ASSERT_TRUE(addLibraryFolder(inLibraries("")));
+    const HMODULE library = load();
+    ASSERT_NE(library, nullptr) << lastError();
+    EXPECT_TRUE(unload(library));
 }
 
 TEST(WindowsLibrary, LoadsFromLongFoldersBeyondAscii) {
