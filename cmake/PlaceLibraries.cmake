@@ -1,9 +1,13 @@
-# Copies into FOLDER what the programs and DLLs in it need beside them, and what those need in turn,
-# as far as it lies in one of the folders SEARCH; the rest is Windows' own.
-# cmake -DFOLDER=FOLDER "-DSEARCH=FOLDER;..." "-DLIST=PROGRAM;ARGUMENT" -P PlaceLibraries.cmake
+# Copies into FOLDER what PROGRAMS, or else all programs and DLLs in it, need beside them, and what
+# those need in turn, as far as it lies in one of the folders SEARCH; the rest is Windows' own.
+# cmake -DFOLDER=FOLDER "-DPROGRAMS=FILE;..." "-DSEARCH=FOLDER;..." "-DLIST=PROGRAM;ARGUMENT"
+#   -P PlaceLibraries.cmake
 #   LIST: what names the DLLs that a file needs, `objdump -p` or `dumpbin /dependents`
 cmake_minimum_required(VERSION 3.25)
-file(GLOB_RECURSE waiting ${FOLDER}/*.dll ${FOLDER}/*.exe)
+set(waiting ${PROGRAMS})
+if(NOT waiting)
+    file(GLOB_RECURSE waiting ${FOLDER}/*.dll ${FOLDER}/*.exe)
+endif()
 while(waiting)
     list(POP_FRONT waiting library)
     execute_process(COMMAND ${LIST} ${library} OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)

@@ -24,11 +24,20 @@ else()
 endif()
 list(REMOVE_ITEM search "")
 
-# Makes a target that does so for a folder, after what builds the folder's contents.
+# record_converter_place_libraries(TARGET FOLDER NEEDING...): makes a target that does so for a folder,
+# after the targets NEEDING: for all that lies there, or when these are programs, for them alone,
+# because others may be linked in the same folder meanwhile.
 function(record_converter_place_libraries target folder)
+    set(programs)
+    foreach(name IN LISTS ARGN)
+        get_target_property(type ${name} TYPE)
+        if(type STREQUAL "EXECUTABLE")
+            list(APPEND programs $<TARGET_FILE:${name}>)
+        endif()
+    endforeach()
     add_custom_target(${target} ALL
-        COMMAND ${CMAKE_COMMAND} -DFOLDER=${folder} "-DSEARCH=${search}" "-DLIST=${list_command}"
-            -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
+        COMMAND ${CMAKE_COMMAND} -DFOLDER=${folder} "-DPROGRAMS=${programs}" "-DSEARCH=${search}"
+            "-DLIST=${list_command}" -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
         COMMENT "Placing the DLLs that ${folder} needs" VERBATIM)
     add_dependencies(${target} ${ARGN})
 endfunction()
