@@ -58,7 +58,7 @@ if grep -F "$user" "$log"; then fail "the user's name is in the log"; fi
 
 if [ ${#wine[@]} -gt 0 ]; then
     version=$("${wine[@]}" "$program" --version | grep -oE '[0-9.]+')
-    for file in "$program" "$runtime"/{mediaconverter,zelclient,zelcore}.dll; do
+    for file in "$program" "$runtime"/{*converter,zelclient,zelcore}.dll; do
         strings -el "$file" | grep -A1 -x ProductVersion | grep -qxF "$version" ||
             fail "$file has another version than $version"
     done
