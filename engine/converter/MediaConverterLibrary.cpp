@@ -22,4 +22,9 @@ ZEL_EXPORT std::int32_t CreateMediaConverter(zel::IZelMediaConverter** instance,
 ZEL_EXPORT std::int32_t ZelStopConversions(std::uint32_t timeoutMilliseconds) {
     return ZelCoreStopConversions(timeoutMilliseconds);
 }
+
+ZEL_EXPORT std::int32_t ZelConversionLosses(std::int32_t accepts, char* text,
+                                            std::uint32_t capacity) {
+    return ZelCoreConversionLosses(accepts, text, capacity);
+}
 }

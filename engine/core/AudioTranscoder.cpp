@@ -56,8 +56,9 @@ CodecPtr configuredEncoder(const TrackPlan& plan) {
 
 } // namespace
 
-AudioTranscoder::AudioTranscoder(const TrackPlan& plan, Muxer& muxer)
-    : mEncoder(configuredEncoder(plan), muxer),
+AudioTranscoder::AudioTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses)
+    : mLosses(losses),
+      mEncoder(configuredEncoder(plan), muxer),
       mQueue(owned<SampleFifoPtr>(av_audio_fifo_alloc(mEncoder.codec().sample_fmt,
                                                       mEncoder.codec().ch_layout.nb_channels,
                                                       mEncoder.codec().sample_rate))) {

@@ -12,7 +12,7 @@ namespace zelcore {
 /// silence and an overlap is cut, so that sound and picture stay together.
 class AudioTranscoder : public Track {
 public:
-    AudioTranscoder(const TrackPlan& plan, Muxer& muxer);
+    AudioTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
     void beginPart(const AVStream& stream, Ticks offset) override;
     void accept(AVPacket& packet) override;
@@ -31,6 +31,7 @@ private:
     void encodeQueued(bool isEnd);
     FramePtr soundFrame(int samples) const;
 
+    Losses& mLosses;
     Encoder mEncoder;
     SampleFifoPtr mQueue;
     ResamplerPtr mResampler;

@@ -37,11 +37,15 @@ void traceJob(const Sources& sources, const std::vector<TrackPlan>& plans) {
 
 ConversionJob::ConversionJob(std::vector<std::string> sources, std::string destination,
                              zel::IZelMediaConverterSink* sink)
-    : mSources(std::move(sources)), mDestination(std::move(destination)), mSink(sink) {
+    : mSources(std::move(sources)),
+      mDestination(std::move(destination)),
+      mAcceptsLosses(areLossesAccepted()),
+      mSink(sink) {
 }
 
 void ConversionJob::run() noexcept {
     try {
+        keepLossSentence({});
         convert();
     } catch (const Stopped&) {
         trace(TraceLevel::Info, "Conversion stopped");
@@ -70,10 +74,10 @@ void ConversionJob::convert() {
         muxer.copyMetadata(sources.front()->format());
         std::vector<std::unique_ptr<Track>> tracks;
         for (const TrackPlan& plan : plans) {
-            tracks.push_back(makeTrack(plan, muxer));
+            tracks.push_back(makeTrack(plan, muxer, mLosses));
         }
         muxer.writeHeader();
-        PartJoiner(sources, plans, tracks, mStop, progress).run();
+        PartJoiner(sources, plans, tracks, mLosses, mStop, progress).run();
         muxer.finish();
         written = muxer.written();
         if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
@@ -81,6 +85,7 @@ void ConversionJob::convert() {
                           "The sources hold neither sound nor picture");
         }
     }
+    settleLosses();
     destination.closeDurably();
     mStop.throwIfRaised();
     verify(destination.temporaryPath(), destination.size(), written, mStop);
@@ -89,6 +94,17 @@ void ConversionJob::convert() {
     trace(TraceLevel::Info,
           text("Destination \"", mDestination, "\" is complete: ", destination.size(), " bytes"));
     progress.complete();
+}
+
+void ConversionJob::settleLosses() {
+    if (mLosses.isEmpty()) {
+        return;
+    }
+    if (!mAcceptsLosses) {
+        throw Failure(ErrorCode::ContentMissing, mLosses.sentence());
+    }
+    trace(TraceLevel::Warning, text("Missing from the destination: ", mLosses.sentence()));
+    keepLossSentence(mLosses.sentence());
 }
 
 void ConversionJob::report(ErrorCode code, const char* why) noexcept {

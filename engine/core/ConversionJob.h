@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/core/ErrorCode.h"
+#include "engine/core/Losses.h"
 #include "engine/core/SinkGate.h"
 #include "engine/core/StopFlag.h"
 #include "zel/IZelMediaConverterSink.h"
@@ -26,11 +27,15 @@ public:
 
 private:
     void convert();
+    /// Throws when content is missing and the caller has not accepted that.
+    void settleLosses();
     void report(ErrorCode code, const char* why) noexcept;
 
     const std::vector<std::string> mSources;
     const std::string mDestination;
     StopFlag mStop;
+    const bool mAcceptsLosses;
+    Losses mLosses;
     ConverterSinkGate mSink;
 };
 

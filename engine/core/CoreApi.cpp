@@ -3,12 +3,15 @@
 #include "engine/core/BoundedLock.h"
 #include "engine/core/Converter.h"
 #include "engine/core/JobRegistry.h"
+#include "engine/core/Losses.h"
 #include "engine/core/Trace.h"
 #include "engine/platform/OsPath.h"
 #include "zel/EngineContract.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace {
@@ -59,6 +62,21 @@ std::int32_t ZelCoreStopConversions(std::uint32_t timeoutMilliseconds) {
                    : static_cast<std::int32_t>(zelcore::ErrorCode::Busy);
     } catch (...) {
         return static_cast<std::int32_t>(zelcore::ErrorCode::InternalError);
+    }
+}
+
+std::int32_t ZelCoreConversionLosses(std::int32_t accepts, char* text, std::uint32_t capacity) {
+    try {
+        zelcore::acceptLosses(accepts != 0);
+        const std::string sentence = zelcore::lastLossSentence();
+        if (text != nullptr && capacity > 0) {
+            const std::size_t length = std::min<std::size_t>(sentence.size(), capacity - 1);
+            std::copy_n(sentence.data(), length, text);
+            text[length] = '\0';
+        }
+        return sentence.empty() ? 0 : static_cast<std::int32_t>(sentence.size() + 1);
+    } catch (...) {
+        return static_cast<std::int32_t>(zelcore::ErrorCode::OutOfMemory);
     }
 }
 

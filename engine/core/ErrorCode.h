@@ -19,6 +19,7 @@ enum class ErrorCode : std::int32_t {
     SourceReadFailed = 20009,
     NothingToConvert = 20010,
     UnsupportedCodec = 20011,
+    ContentMissing = 20012,
 
     DestinationIsSource = 20021,
     DestinationFolderMissing = 20022,

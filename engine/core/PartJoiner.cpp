@@ -8,9 +8,14 @@
 namespace zelcore {
 
 PartJoiner::PartJoiner(const Sources& sources, const std::vector<TrackPlan>& plans,
-                       const std::vector<std::unique_ptr<Track>>& tracks, const StopFlag& stop,
-                       Progress& progress)
-    : mSources(sources), mPlans(plans), mTracks(tracks), mStop(stop), mProgress(progress) {
+                       const std::vector<std::unique_ptr<Track>>& tracks, Losses& losses,
+                       const StopFlag& stop, Progress& progress)
+    : mSources(sources),
+      mPlans(plans),
+      mTracks(tracks),
+      mLosses(losses),
+      mStop(stop),
+      mProgress(progress) {
     bool isKnown = true;
     for (const auto& source : sources) {
         isKnown = isKnown && source->duration() > 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/core/Losses.h"
 #include "engine/core/Progress.h"
 #include "engine/core/Source.h"
 #include "engine/core/Track.h"
@@ -14,8 +15,8 @@ namespace zelcore {
 class PartJoiner {
 public:
     PartJoiner(const Sources& sources, const std::vector<TrackPlan>& plans,
-               const std::vector<std::unique_ptr<Track>>& tracks, const StopFlag& stop,
-               Progress& progress);
+               const std::vector<std::unique_ptr<Track>>& tracks, Losses& losses,
+               const StopFlag& stop, Progress& progress);
 
     void run();
 
@@ -28,6 +29,7 @@ private:
     const Sources& mSources;
     const std::vector<TrackPlan>& mPlans;
     const std::vector<std::unique_ptr<Track>>& mTracks;
+    Losses& mLosses;
     const StopFlag& mStop;
     Progress& mProgress;
     Ticks mEnd = 0;            ///< of everything so far

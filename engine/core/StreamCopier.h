@@ -9,7 +9,7 @@ namespace zelcore {
 /// Takes packets over as they are.
 class StreamCopier : public Track {
 public:
-    StreamCopier(const TrackPlan& plan, Muxer& muxer);
+    StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
     void beginPart(const AVStream& stream, Ticks offset) override;
     void accept(AVPacket& packet) override;
@@ -21,6 +21,7 @@ private:
     void writeHeld(std::int64_t next);
 
     Muxer& mMuxer;
+    Losses& mLosses;
     std::size_t mTrack;
     AVRational mTimeBase{};
     std::int64_t mOffset = 0; ///< in mTimeBase

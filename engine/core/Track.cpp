@@ -8,14 +8,14 @@
 
 namespace zelcore {
 
-std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer) {
+std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& losses) {
     if (plan.isCopied) {
-        return std::make_unique<StreamCopier>(plan, muxer);
+        return std::make_unique<StreamCopier>(plan, muxer, losses);
     }
     if (plan.reference->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
-        return std::make_unique<VideoTranscoder>(plan, muxer);
+        return std::make_unique<VideoTranscoder>(plan, muxer, losses);
     }
-    return std::make_unique<AudioTranscoder>(plan, muxer);
+    return std::make_unique<AudioTranscoder>(plan, muxer, losses);
 }
 
 void copyTrackProperties(const AVStream& from, AVStream& to) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/Losses.h"
 #include "engine/core/Muxer.h"
 #include "engine/core/TrackPlan.h"
 
@@ -26,7 +27,7 @@ public:
 };
 
 /// Adds the plan's track to the muxer, whose header is not written yet.
-std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer);
+std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
 /// Language, title, disposition and picture orientation, for a track that is transcoded.
 void copyTrackProperties(const AVStream& from, AVStream& to);

@@ -70,8 +70,9 @@ CodecPtr configuredEncoder(const TrackPlan& plan) {
 
 } // namespace
 
-VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer)
-    : mEncoder(configuredEncoder(plan), muxer),
+VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses)
+    : mLosses(losses),
+      mEncoder(configuredEncoder(plan), muxer),
       mFitter(mEncoder.codec().width, mEncoder.codec().height) {
     AVStream& stream = mEncoder.addTrack();
     stream.avg_frame_rate = mEncoder.codec().framerate;

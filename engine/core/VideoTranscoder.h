@@ -13,7 +13,7 @@ namespace zelcore {
 /// its own time, so that a variable frame rate stays one.
 class VideoTranscoder : public Track {
 public:
-    VideoTranscoder(const TrackPlan& plan, Muxer& muxer);
+    VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
     void beginPart(const AVStream& stream, Ticks offset) override;
     void accept(AVPacket& packet) override;
@@ -23,6 +23,7 @@ public:
 private:
     void encode(AVFrame& picture);
 
+    Losses& mLosses;
     Encoder mEncoder;
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;

@@ -21,6 +21,15 @@ using SetTraceMaxLevelFunction = void (*)(std::int32_t maxLevel);
 /// returns 0 when none is left. Stopped conversions report nothing more.
 using StopConversionsFunction = std::int32_t (*)(std::uint32_t timeoutMilliseconds);
 
+/// "ZelConversionLosses" of mediaconverter, optional, offered by our own engine alone. `accepts`
+/// other than 0: conversions that start from now on may complete although content of their sources
+/// is missing; without that word such a conversion ends with an error. Returns the bytes, NUL
+/// included, of the sentence about what the conversion that ended last lost, 0 when it lost
+/// nothing, and writes at most `capacity` of them to `text`, always with a NUL. UTF-8, no full
+/// stop.
+using ConversionLossesFunction = std::int32_t (*)(std::int32_t accepts, char* text,
+                                                  std::uint32_t capacity);
+
 inline constexpr std::int32_t kZelSuccess = 0;
 /// Wrong number of source files; 0xFFFFFF9C, so a failure by isFailure() too.
 inline constexpr std::int32_t kZelSrcFileNumberError = -100;

@@ -1,0 +1,112 @@
+#include "engine/core/Losses.h"
+
+#include "engine/core/Failure.h"
+
+#include <algorithm>
+#include <atomic>
+#include <iomanip>
+#include <mutex>
+
+namespace zelcore {
+
+namespace {
+
+/// Damage in one place touches several packets with whole ones between them.
+constexpr Ticks kSamePlace = kTicks.den;
+constexpr std::size_t kMostTold = 3;
+
+struct Shared {
+    std::atomic<bool> accepted{false};
+    std::mutex mutex; ///< guards sentence
+    std::string sentence;
+};
+
+Shared& shared() {
+    // Leaked: conversions may run while the process ends.
+    static auto& instance = *new Shared();
+    return instance;
+}
+
+const char* nameOf(AVMediaType kind) {
+    return kind == AVMEDIA_TYPE_VIDEO   ? "picture"
+           : kind == AVMEDIA_TYPE_AUDIO ? "sound"
+                                        : "subtitles";
+}
+
+const char* wordsOf(LossCause cause) {
+    switch (cause) {
+        case LossCause::Damaged:
+            return "are damaged and missing";
+        case LossCause::CutShort:
+            return "are cut off";
+        case LossCause::Unusable:
+            break;
+    }
+    return "are left out";
+}
+
+std::string clockTime(Ticks time) {
+    const std::int64_t seconds = std::max<Ticks>(time, 0) / kTicks.den;
+    const std::int64_t rest = seconds % 60;
+    const std::string minutes =
+        seconds < 3600
+            ? text(seconds / 60)
+            : text(seconds / 3600, seconds / 60 % 60 < 10 ? ":0" : ":", seconds / 60 % 60);
+    return text(minutes, rest < 10 ? ":0" : ":", rest);
+}
+
+std::string describe(const Loss& loss) {
+    const std::string where = text(" from ", clockTime(loss.begin), " on ", wordsOf(loss.cause));
+    if (loss.duration > 0) {
+        return text(std::fixed, std::setprecision(1), std::max(toSeconds(loss.duration), 0.1),
+                    " s of ", nameOf(loss.kind), where);
+    }
+    return text("Parts of the ", nameOf(loss.kind), where);
+}
+
+} // namespace
+
+void Losses::add(const Loss& loss) {
+    if (!mAll.empty()) {
+        Loss& last = mAll.back();
+        const Ticks lastEnd = addTimes(last.begin, last.duration);
+        if (last.kind == loss.kind && last.cause == loss.cause && loss.begin >= last.begin &&
+            loss.begin - lastEnd <= kSamePlace) {
+            last.duration = std::max(lastEnd, addTimes(loss.begin, loss.duration)) - last.begin;
+            last.pieces = addTimes(last.pieces, loss.pieces);
+            return;
+        }
+    }
+    mAll.push_back(loss);
+}
+
+std::string Losses::sentence() const {
+    std::string all;
+    for (std::size_t i = 0; i < std::min(mAll.size(), kMostTold); ++i) {
+        all += (i == 0 ? "" : "; ") + describe(mAll[i]);
+    }
+    if (mAll.size() > kMostTold) {
+        all += text("; and ", mAll.size() - kMostTold, " more places");
+    }
+    return all;
+}
+
+void acceptLosses(bool accepted) {
+    shared().accepted = accepted;
+}
+
+bool areLossesAccepted() {
+    return shared().accepted;
+}
+
+void keepLossSentence(const std::string& sentence) {
+    const std::lock_guard lock(shared().mutex);
+    shared().sentence = sentence;
+}
+
+std::string lastLossSentence() {
+    const std::lock_guard lock(shared().mutex);
+    return shared().sentence;
+}
+
+} // namespace zelcore
