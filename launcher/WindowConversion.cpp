@@ -58,7 +58,7 @@ void endOnInterrupt(const std::string& engineFolder) {
             stop(kStopPatience);
         }
         clearStaging();
-        std::_Exit(Stopped);
+        tarn::platform::leaveAtOnce(Stopped);
     }).detach();
 }
 

@@ -36,8 +36,14 @@ constexpr auto kTimeToRead = 60000ms;
 constexpr auto kGatePatience = 1000ms;
 constexpr std::uint32_t kStopMilliseconds = 2000;
 
-/// Reported when the engine was never started; its own numbers are positive.
+/// Reported when the engine was never started; docs/engine-contract.md lists it.
 constexpr std::int32_t kNotStarted = -1;
+
+void openOnDesktop(const QString& path) {
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
+        TARN_LOG(tarn::RootLoggerLevel::Warn, "Can not open: " << path.toStdString());
+    }
+}
 
 } // namespace
 
@@ -54,8 +60,7 @@ MediaConverterController::~MediaConverterController() {
 
 void MediaConverterController::initialize(const std::vector<std::string>& arguments,
                                           const std::shared_ptr<LocalizationStrings>& texts,
-                                          const std::shared_ptr<ConverterLog>& log,
-                                          const std::function<void()>& beforeEngine) {
+                                          const std::shared_ptr<ConverterLog>& log) {
     parseArguments(arguments);
     convertingStartedText = texts->text(0);
     convertingFinishedText = texts->text(1);
@@ -64,9 +69,6 @@ void MediaConverterController::initialize(const std::vector<std::string>& argume
     if (arguments.size() == 2) {
         TARN_LOG_AT(Info, 74, "convert from: " << arguments[1]);
         TARN_LOG_AT(Info, 75, "convert to:" << destinationFile);
-    }
-    if (beforeEngine) {
-        beforeEngine();
     }
     createConverter(log);
     connectExitTimer();
@@ -179,12 +181,12 @@ void MediaConverterController::open() {
         return;
     }
     TARN_LOG_AT(Info, 177, "Open Dir:" << chosen.toStdString());
-    QDesktopServices::openUrl(QUrl::fromLocalFile(chosen));
+    openOnDesktop(chosen);
 }
 
 void MediaConverterController::play() {
     TARN_LOG_AT(Info, 185, "Open File:" << destinationFile);
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(destinationFile)));
+    openOnDesktop(QString::fromStdString(destinationFile));
 }
 
 void MediaConverterController::close() {

@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -40,13 +39,11 @@ public:
     MediaConverterController();
     ~MediaConverterController() override;
 
-    /// Reads the arguments (see EntryContext) and the texts, calls `beforeEngine` and binds the
-    /// engine. Once, after the window has loaded. Throws std::bad_weak_ptr unless a shared pointer
-    /// owns this.
+    /// Reads the arguments (see EntryContext) and the texts and binds the engine. Once, after the
+    /// window has loaded. Throws std::bad_weak_ptr unless a shared pointer owns this.
     void initialize(const std::vector<std::string>& arguments,
                     const std::shared_ptr<LocalizationStrings>& texts,
-                    const std::shared_ptr<ConverterLog>& log,
-                    const std::function<void()>& beforeEngine = nullptr);
+                    const std::shared_ptr<ConverterLog>& log);
 
     /// Starts the engine. The session tells its observers nothing of a start that fails, and a
     /// window that waits for ever helps nobody: that is shown as a failed conversion.

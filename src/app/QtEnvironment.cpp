@@ -9,6 +9,9 @@
 #include <QQmlEngine>
 #include <QtGlobal>
 
+#include <optional>
+#include <utility>
+
 namespace recordconverter::app {
 namespace {
 
@@ -16,6 +19,29 @@ using tarn::RootLoggerLevel::Info;
 using tarn::RootLoggerLevel::Warn;
 
 constexpr std::size_t kRuntimeFolder = 1;
+
+using Variables = std::vector<std::pair<const char*, std::optional<QByteArray>>>;
+
+/// What the variables that are changed here held before, in the order of the changes.
+Variables& originals() {
+    static auto& variables = *new Variables;
+    return variables;
+}
+
+void keepOriginal(const char* name) {
+    originals().emplace_back(
+        name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
+}
+
+void unset(const char* name) {
+    keepOriginal(name);
+    qunsetenv(name);
+}
+
+void set(const char* name, const QByteArray& value) {
+    keepOriginal(name);
+    qputenv(name, value);
+}
 
 QString runtimeFolder(const std::vector<std::string>& arguments) {
     return QString::fromStdString(arguments[kRuntimeFolder]);
@@ -35,8 +61,8 @@ void useRuntimeFolder(const std::vector<std::string>& arguments) {
     const QString importPath = QDir::cleanPath(folder) + QDir::listSeparator() +
                                QDir::cleanPath(QStringLiteral(":/qt/qml")) + QDir::listSeparator() +
                                moduleFolder(arguments);
-    qputenv("QML_IMPORT_PATH", importPath.toUtf8());
-    qputenv("QT_QUICK_CONTROLS_STYLE", "Basic");
+    set("QML_IMPORT_PATH", importPath.toUtf8());
+    set("QT_QUICK_CONTROLS_STYLE", "Basic");
 }
 
 } // namespace
@@ -44,14 +70,20 @@ void useRuntimeFolder(const std::vector<std::string>& arguments) {
 void prepareQtEnvironment(const std::vector<std::string>& arguments) {
     for (const char* const name : {"QTDIR", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH",
                                    "QTWEBENGINE_REMOTE_DEBUGGING", "QML2_IMPORT_PATH"}) {
-        qunsetenv(name);
+        unset(name);
     }
-    qputenv("QT_LOGGING_RULES", "*.info=true;");
+    set("QT_LOGGING_RULES", "*.info=true;");
     // The process ends by exit() with the window open: no thread of Qt's may be drawing then. Also,
     // the threaded loop counts frames instead of time where the display has no refresh to wait for.
-    qputenv("QSG_RENDER_LOOP", "basic");
+    set("QSG_RENDER_LOOP", "basic");
     if (arguments.size() > kRuntimeFolder) {
         useRuntimeFolder(arguments);
+    }
+}
+
+void restoreEnvironment() {
+    for (const auto& [name, value] : std::exchange(originals(), {})) {
+        value ? qputenv(name, *value) : qunsetenv(name);
     }
 }
 

@@ -16,6 +16,11 @@ void prepareQtEnvironment(const std::vector<std::string>& arguments);
 void limitLibraryPaths(const std::vector<std::string>& arguments);
 void limitImportPaths(QQmlEngine& engine, const std::vector<std::string>& arguments);
 
+/// Gives the environment back what prepareQtEnvironment took and changed, so that programs which
+/// the notice opens do not inherit it. Once the window has loaded, when Qt has read all of it, and
+/// before other threads may look at the environment.
+void restoreEnvironment();
+
 /// One line that records what Qt will see.
 void logQtEnvironment();
 

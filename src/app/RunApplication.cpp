@@ -4,17 +4,19 @@
 #include "app/MediaConverterController.h"
 #include "app/QtEnvironment.h"
 #include "app/Translator.h"
+#include "app/ViewMask.h"
 #include "logging/LogCall.h"
 #include "logging/RootLogger.h"
+#include "platform/Interrupt.h"
 #include "platform/Text.h"
 #include "recordconverter/ConverterLog.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QTimer>
 #include <QUrl>
+#include <QWindow>
 
 #include <chrono>
 #include <memory>
@@ -41,13 +43,23 @@ void installTranslator(EntryContext& context) {
     }
 }
 
-/// The engine brings a hundred libraries along, which the window does not wait for.
-void showFirstFrame(QObject* window) {
-    QEventLoop loop;
-    // By name: the window's class is known to QML, and nothing else here needs its library.
-    QObject::connect(window, SIGNAL(frameSwapped()), &loop, SLOT(quit()));
-    QTimer::singleShot(kLongestFirstFrame, &loop, &QEventLoop::quit); // it may be hidden
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
+/// Binds the engine and starts it. Nothing may be thrown into Qt's event loop.
+void startConversion(const EntryContext& context, MediaConverterController& controller) noexcept {
+    try {
+        controller.initialize(context.arguments, context.localizationStrings, context.converterLog);
+        controller.startConversion();
+    } catch (...) {
+        TARN_LOG(Error, "unexpected error happen!");
+        QCoreApplication::exit(-1);
+    }
+}
+
+void cutToViews(QObject& window) {
+    auto* const shown = qobject_cast<QWindow*>(&window);
+    // Off the screen nobody clicks, and Qt warns of every mask there.
+    if (shown != nullptr && QGuiApplication::platformName() != QStringLiteral("offscreen")) {
+        new ViewMask(*shown); // the window's child
+    }
 }
 
 /// Everything that needs the application object. The locals go in the reverse of their order: the
@@ -63,9 +75,25 @@ int runWindow(EntryContext& context) {
     if (engine.rootObjects().isEmpty()) {
         return -1;
     }
-    controller->initialize(context.arguments, context.localizationStrings, context.converterLog,
-                           [&] { showFirstFrame(engine.rootObjects().constFirst()); });
-    controller->startConversion();
+    QObject* const window = engine.rootObjects().constFirst();
+    cutToViews(*window);
+    restoreEnvironment();
+    // The engine brings a hundred libraries along, which the first frame does not wait for. Begun
+    // from the event loop, so that whoever ends that loop before then ends the run.
+    QTimer begin;
+    begin.setSingleShot(true);
+    begin.callOnTimeout([&] { startConversion(context, *controller); });
+    begin.start(kLongestFirstFrame); // a hidden window has no first frame
+    QTimer firstFrame;
+    firstFrame.setSingleShot(true);
+    firstFrame.callOnTimeout([&] {
+        if (begin.isActive()) {
+            begin.start(0);
+        }
+    });
+    // By name: the window's class is known to QML, and nothing else here needs its library.
+    QObject::connect(window, SIGNAL(frameSwapped()), &firstFrame, SLOT(start()),
+                     Qt::SingleShotConnection);
     const int result = QApplication::exec();
     MediaConverterController::release(std::move(controller));
     return result;
@@ -77,6 +105,9 @@ int run(EntryContext& context, int argc, wchar_t** argv) {
     prepareQtEnvironment(context.arguments);
     logQtEnvironment();
     int result = 0;
+    // A Qt that cannot start ends the process by abort().
+    tarn::RootLogger::getInstance().flush();
+    tarn::platform::callBeforeLeaving([] { tarn::RootLogger::getInstance().flush(); });
     {
         // Qt gets no command line: given no vector, it sets this copy of the count to 0 and reads
         // neither. The reference must stay valid as long as the application.

@@ -22,7 +22,19 @@ Button {
     contentItem: Icon.Glyph { control: button }
     // qmllint enable
 
-    // Space presses a button by itself.
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    // Space presses a button by itself. A key that is held down repeats itself: it presses once.
+    function takeRepeated(event) {
+        event.accepted = event.isAutoRepeat
+        return event.isAutoRepeat
+    }
+    function pressOnce(event) {
+        if (!takeRepeated(event)) {
+            clicked()
+            event.accepted = true
+        }
+    }
+    Keys.onReturnPressed: event => pressOnce(event)
+    Keys.onEnterPressed: event => pressOnce(event)
+    Keys.onSpacePressed: event => takeRepeated(event)
+    Keys.onReleased: event => takeRepeated(event)
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 
 namespace tarn::platform {
 namespace {
@@ -34,6 +35,14 @@ void catchInterrupts() {
 
 bool interrupted() noexcept {
     return wasInterrupted.load(std::memory_order_relaxed);
+}
+
+void leaveAtOnce(int status) {
+    std::quick_exit(status);
+}
+
+void callBeforeLeaving(void (*call)()) {
+    static_cast<void>(std::at_quick_exit(call)); // fails only for want of memory
 }
 
 } // namespace tarn::platform

@@ -3,11 +3,21 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdlib>
 
 namespace tarn::platform {
 namespace {
 
 std::atomic<bool> wasInterrupted{false};
+std::atomic<void (*)()> beforeLeaving{nullptr};
+
+/// The handler that was set last is asked first; FALSE passes the event on to the launcher's.
+BOOL WINAPI onInterruption(DWORD /*event*/) {
+    if (auto* const call = beforeLeaving.load()) {
+        call();
+    }
+    return FALSE;
+}
 
 BOOL WINAPI onConsoleEvent(DWORD event) {
     wasInterrupted.store(true, std::memory_order_relaxed);
@@ -29,6 +39,15 @@ void catchInterrupts() {
 
 bool interrupted() noexcept {
     return wasInterrupted.load(std::memory_order_relaxed);
+}
+
+void leaveAtOnce(int status) {
+    std::_Exit(status);
+}
+
+void callBeforeLeaving(void (*call)()) {
+    beforeLeaving.store(call);
+    SetConsoleCtrlHandler(onInterruption, TRUE);
 }
 
 } // namespace tarn::platform
