@@ -40,6 +40,39 @@ function(record_converter_test name)
         PROPERTIES ${properties})
 endfunction()
 
+# record_converter_scenarios(SCRIPT [LABELS label...] [TIMEOUT seconds] [ENVIRONMENT name=value...])
+# A script of Python cases that start the built programs, those for Windows under Wine; each case is
+# a CTest test of its own.
+function(record_converter_scenarios script)
+    if(WIN32 AND NOT CMAKE_CROSSCOMPILING)
+        return()
+    endif()
+    cmake_parse_arguments(ARG "" "TIMEOUT" "LABELS;ENVIRONMENT" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    find_package(Python3 3.11 REQUIRED COMPONENTS Interpreter)
+    set(surroundings RC_BUILD=${PROJECT_BINARY_DIR} RC_SANITIZER=${RECORD_CONVERTER_SANITIZE}
+        "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/engine/tsan.supp" ${ARG_ENVIRONMENT})
+    set(properties TIMEOUT ${ARG_TIMEOUT} SKIP_REGULAR_EXPRESSION "skipped=")
+    if(CMAKE_CROSSCOMPILING)
+        list(APPEND surroundings RC_WINE_PREFIX=${PROJECT_BINARY_DIR}/wine)
+        # A known folder that a test cannot move holds the log there, one for all programs.
+        list(APPEND properties RESOURCE_LOCK known-log-folder)
+    endif()
+    set(python ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${script})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${script})
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env ${surroundings} ${python} --list
+        OUTPUT_VARIABLE cases COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "[^\n]+" cases "${cases}")
+    foreach(case IN LISTS cases)
+        string(REPLACE ".test_" "." name ${case})
+        add_test(NAME ${name} COMMAND ${python} ${case})
+        set_tests_properties(${name} PROPERTIES ${properties}
+            LABELS "${ARG_LABELS}" ENVIRONMENT "${surroundings}")
+    endforeach()
+endfunction()
+
 # MinGW's runtime is linked in, so that a program or library without Qt needs no DLL of it.
 function(record_converter_link_runtime target)
     if(MINGW)

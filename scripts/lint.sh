@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Static checks: clang-format, shellcheck, forbidden waits, cppcheck and clang-tidy, cheapest first.
-# qmllint is one of the tests.
-# Usage: scripts/lint.sh [format|shell|waits|cppcheck|tidy|tidy-tests]...     (none: all of them)
+# Static checks: clang-format, shellcheck, Python, forbidden waits, cppcheck and clang-tidy, cheapest
+# first. qmllint is one of the tests.
+# Usage: scripts/lint.sh [format|shell|python|waits|cppcheck|tidy|tidy-tests|size]...
+#        (none: all of them but size)
 # Works on the dev preset, which it configures and builds (headers are generated there). What passed
 # is remembered under build/dev, so that an unchanged file costs nothing.
 set -euo pipefail
@@ -9,7 +10,7 @@ cd "$(dirname "$0")/.."
 
 build=build/dev
 checks=("$@")
-[ ${#checks[@]} -gt 0 ] || checks=(format shell waits cppcheck tidy tidy-tests)
+[ ${#checks[@]} -gt 0 ] || checks=(format shell python waits cppcheck tidy tidy-tests)
 failed=()
 
 sources() { git ls-files --cached --others --exclude-standard -- "$@"; }
@@ -20,6 +21,24 @@ lint_format() {
 
 lint_shell() {
     { sources '*.sh'; echo .ci/run; } | xargs shellcheck --severity=style --external-sources
+}
+
+lint_python() {
+    sources '*.py' | xargs -r black --check --quiet --diff --line-length=100
+    sources '*.py' | xargs -r flake8 --max-line-length=100
+}
+
+# How much there is of the tests for the product that they test.
+lint_size() {
+    local product tests share
+    lines() {
+        sources "$@" ':!fuzz/corpus' ':!*.md' ':!*.png' ':!*.svg' ':!*.ts' | xargs -r cat | wc -l
+    }
+    product=$(lines src engine launcher)
+    tests=$(lines tests fuzz)
+    share=$((tests * 1000 / product))
+    echo "product $product lines, tests $tests: $((share / 10)).$((share % 10)) %, at most 35 %"
+    [ $((tests * 100)) -le $((product * 35)) ]
 }
 
 # GCC 12's <semaphore>, <latch>, <barrier> and waits on std::atomic lose wake-ups where the system
@@ -68,9 +87,9 @@ build_dev() {
 case " ${checks[*]} " in *" cppcheck "* | *" tidy"*) build_dev ;; esac
 for check in "${checks[@]}"; do
     case "$check" in
-        format | shell | waits | cppcheck | tidy | tidy-tests) ;;
+        format | shell | python | waits | cppcheck | tidy | tidy-tests | size) ;;
         *)
-            echo "lint.sh: no check named '$check' (format, shell, waits, cppcheck, tidy, tidy-tests)" >&2
+            echo "lint.sh: no check named '$check' (format, shell, python, waits, cppcheck, tidy, tidy-tests, size)" >&2
             exit 2
             ;;
     esac

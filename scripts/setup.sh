@@ -18,7 +18,7 @@ packages_build=(
 packages_test=(
     libgtest-dev libgmock-dev googletest
     dpkg-dev file unzip p7zip-full python3 procps
-    clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck
+    clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck black flake8
 )
 packages_windows=(
     g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64

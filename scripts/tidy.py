@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of a build folder, a process per core, and remembers what passed.
+"""Runs clang-tidy over the sources of a build folder, a process per core; remembers what passed.
 
 Usage: scripts/tidy.py BUILD_FOLDER [PATH_PREFIX...]
 
@@ -71,7 +71,9 @@ def main() -> int:
             return entry["file"], True, ""
         run = subprocess.run(
             ["clang-tidy", "-p", passed, "--quiet", entry["file"]],
-            capture_output=True, text=True, check=False,
+            capture_output=True,
+            text=True,
+            check=False,
         )
         if run.returncode == 0:
             if key:
