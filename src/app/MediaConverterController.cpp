@@ -54,6 +54,7 @@ MediaConverterController::~MediaConverterController() {
     if (!mIsEngineStopped && mStarted) {
         // An engine that can not be told to stop may report at any time, an ended one included: the
         // session that it reports to and its library stay until the process ends.
+        TARN_LOG(Info, "The engine stays loaded: it cannot be stopped.");
         static_cast<void>(converter.release());
     }
 }

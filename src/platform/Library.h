@@ -29,6 +29,10 @@ bool unload(LibraryHandle library);
 /// RPATH and nothing is added. False on failure.
 bool addLibraryFolder(const std::wstring& folder);
 
+/// Keeps the library or program that this code is linked into in memory until the process ends,
+/// whoever unloads it.
+void pinThisModule();
+
 /// The calling thread's code of the last failure in this header: `GetLastError` on Windows,
 /// an `errno` value on Linux.
 std::uint32_t lastError();

@@ -14,6 +14,9 @@ public:
     /// Routes the trace of the engine in `engineFolder` (UTF-8) into the log. May be called again.
     virtual void attach(const std::string& engineFolder) = 0;
     virtual void installQtMessageHandler() = 0;
+    /// Takes the engine's trace out of the log again. The run may end while a session that an
+    /// engine still reports to keeps this object.
+    virtual void detach() = 0;
 };
 
 } // namespace recordconverter

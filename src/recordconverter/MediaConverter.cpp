@@ -66,10 +66,18 @@ void MediaConverter::startConvert(const std::vector<std::string>& sources,
 void MediaConverter::OnProgress(float percent) {
     notifyGuarded([&](auto& observer) { observer.onConvertProgress(percent, mDestination); });
     if (percent >= kDonePercent) {
+        deleteSources();
+    }
+}
+
+void MediaConverter::deleteSources() {
+    try {
         const tarn::FileUtils files;
         for (const std::string& source : mSources) {
             files.remove(source);
         }
+    } catch (...) {
+        TARN_LOG(Error, "The source files could not be deleted.");
     }
 }
 

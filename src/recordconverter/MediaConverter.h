@@ -50,6 +50,8 @@ private:
     template <typename Call>
     void notifyGuarded(const Call& call);
     bool createInstance();
+    /// On the engine's thread: throws nothing.
+    void deleteSources();
 
     std::string mSpareText;
     std::string mEngineFolder;

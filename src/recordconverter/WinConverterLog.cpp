@@ -7,6 +7,8 @@
 #include "platform/Text.h"
 #include "recordconverter/UnloadLibrary.h"
 
+#include <utility>
+
 namespace recordconverter {
 namespace {
 
@@ -17,9 +19,7 @@ constexpr std::int32_t kTraceMaxLevel = 5;
 } // namespace
 
 WinConverterLog::~WinConverterLog() {
-    if (mSetSink != nullptr) {
-        mSetSink(nullptr);
-    }
+    WinConverterLog::detach();
     if (mClient != nullptr) {
         unloadAndLog(mClient);
     }
@@ -56,6 +56,12 @@ void WinConverterLog::attach(const std::string& engineFolder) {
         mSetMaxLevel(kTraceMaxLevel);
     } else {
         TARN_LOG(Warn, "ZelSetTraceMaxLevel setting error");
+    }
+}
+
+void WinConverterLog::detach() {
+    if (const auto setSink = std::exchange(mSetSink, nullptr)) {
+        setSink(nullptr);
     }
 }
 

@@ -26,6 +26,7 @@ public:
     /// A missing client library costs two warnings and no failure.
     void attach(const std::string& engineFolder) override;
     void installQtMessageHandler() override;
+    void detach() override;
 
 private:
     void findSetters();

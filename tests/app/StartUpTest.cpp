@@ -15,6 +15,7 @@ TEST(RunApplication, TurnsAnyExceptionIntoOneErrorLineAndMinusOne) {
         void initialize(int, wchar_t**) override { throw std::runtime_error("no folder"); }
         void attach(const std::string&) override {}
         void installQtMessageHandler() override {}
+        void detach() override {}
     };
     const tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
     tarn::testing::expectErrorLine("unexpected error happen!");

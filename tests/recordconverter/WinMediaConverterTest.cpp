@@ -33,6 +33,7 @@ public:
     void initialize(int, wchar_t**) override {}
     void attach(const std::string& folder) override { folders.push_back(folder); }
     void installQtMessageHandler() override {}
+    void detach() override {}
 
     std::vector<std::string> folders;
 };

@@ -90,6 +90,13 @@ bool addLibraryFolder(const std::wstring& /*folder*/) {
     return true;
 }
 
+void pinThisModule() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&pinThisModule), &info) != 0) {
+        dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+    }
+}
+
 std::uint32_t lastError() {
     return lastFailure;
 }

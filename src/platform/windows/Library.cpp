@@ -48,6 +48,12 @@ bool addLibraryFolder(const std::wstring& folder) {
            SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS) != 0;
 }
 
+void pinThisModule() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&pinThisModule), &module);
+}
+
 std::uint32_t lastError() {
     return GetLastError();
 }
