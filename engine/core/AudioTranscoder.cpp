@@ -88,7 +88,7 @@ void AudioTranscoder::endPart() {
 
 void AudioTranscoder::finish() {
     encodeQueued(true);
-    mEncoder.encode(nullptr);
+    mEncoder.drain();
 }
 
 void AudioTranscoder::take(const AVFrame& sound) {
@@ -212,8 +212,7 @@ void AudioTranscoder::encodeQueued(bool isEnd) {
         require(av_audio_fifo_read(mQueue.get(), reinterpret_cast<void**>(sound->extended_data),
                                    sound->nb_samples),
                 "sound queue");
-        mEncoder.setFrameDuration(sound->nb_samples);
-        mEncoder.encode(sound.get());
+        mEncoder.encode(*sound, sound->nb_samples);
     }
 }
 

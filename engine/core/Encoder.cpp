@@ -20,19 +20,41 @@ AVStream& Encoder::addTrack() {
     return mMuxer.addTrack(*parameters, mCodec->time_base);
 }
 
-void Encoder::encode(const AVFrame* frame) {
-    require(avcodec_send_frame(mCodec.get(), frame), "encoder");
+void Encoder::encode(const AVFrame& frame, std::int64_t duration) {
+    mDurations[frame.pts] = duration;
+    require(avcodec_send_frame(mCodec.get(), &frame), "encoder");
+    writePackets();
+}
+
+void Encoder::drain() {
+    require(avcodec_send_frame(mCodec.get(), nullptr), "encoder");
+    writePackets();
+}
+
+void Encoder::writePackets() {
     for (;;) {
         const int result = avcodec_receive_packet(mCodec.get(), mPacket.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
             return;
         }
         require(result, "encoder");
+        const std::int64_t duration = takeDuration(mPacket->pts);
         if (mPacket->duration == 0) {
-            mPacket->duration = mFrameDuration;
+            mPacket->duration = duration;
         }
         mMuxer.write(mTrack, *mPacket, mCodec->time_base);
     }
+}
+
+std::int64_t Encoder::takeDuration(std::int64_t time) {
+    // Frames come out in another order than they went in, and sound a little earlier.
+    const auto found = mDurations.lower_bound(time);
+    if (found == mDurations.end()) {
+        return 0;
+    }
+    const std::int64_t duration = found->second;
+    mDurations.erase(found);
+    return duration;
 }
 
 } // namespace zelcore

@@ -3,6 +3,8 @@
 #include "engine/core/AvHandles.h"
 #include "engine/core/Muxer.h"
 
+#include <map>
+
 namespace zelcore {
 
 /// An opened encoder and the way of its packets into the muxer.
@@ -14,17 +16,19 @@ public:
     /// Call before the muxer's header is written.
     AVStream& addTrack();
     const AVCodecContext& codec() const { return *mCodec; }
-    /// Null drains.
-    void encode(const AVFrame* frame);
-    /// Duration of the frames to come, for encoders that do not pass it on; in the codec's clock.
-    void setFrameDuration(std::int64_t duration) { mFrameDuration = duration; }
+    /// `duration` is in the codec's clock.
+    void encode(const AVFrame& frame, std::int64_t duration);
+    void drain();
 
 private:
+    void writePackets();
+    std::int64_t takeDuration(std::int64_t time);
+
     CodecPtr mCodec;
     Muxer& mMuxer;
     PacketPtr mPacket;
     std::size_t mTrack = 0;
-    std::int64_t mFrameDuration = 0;
+    std::map<std::int64_t, std::int64_t> mDurations; ///< of the frames at work, by their times
 };
 
 } // namespace zelcore

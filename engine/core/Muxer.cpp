@@ -29,7 +29,7 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
     track.height = parameters.height;
     track.sampleRate = parameters.sample_rate;
     mWritten.push_back(track);
-    mLastDts.push_back(kNoTime);
+    mLanes.push_back({Extent(parameters.codec_type), makePacket()});
     return *stream;
 }
 
@@ -47,6 +47,9 @@ void Muxer::writeHeader() {
 }
 
 void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
+    if (packet.size == 0) {
+        return; // MP4 has no place for it
+    }
     const AVStream& stream = *mFormat->streams[track];
     packet.stream_index = static_cast<int>(track);
     packet.pos = -1;
@@ -60,29 +63,54 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
         throw Failure(ErrorCode::SourceDamaged, "A packet carries no time at all");
     }
     av_packet_rescale_ts(&packet, timeBase, stream.time_base);
-    if (std::int64_t& last = mLastDts[track]; last != kNoTime && packet.dts <= last) {
+    Lane& lane = mLanes[track];
+    if (lane.lastDts == kNoTime) {
+        lane.firstDts = packet.dts;
+    } else if (packet.dts <= lane.lastDts) {
         if (isTraced(TraceLevel::Trace)) {
-            trace(TraceLevel::Trace,
-                  text("Track ", track, ": decoding time ", packet.dts, " moved behind ", last));
+            trace(TraceLevel::Trace, text("Track ", track, ": decoding time ", packet.dts,
+                                          " moved behind ", lane.lastDts));
         }
-        packet.dts = addTimes(last, 1);
+        packet.dts = addTimes(lane.lastDts, 1);
         packet.pts = std::max(packet.pts, packet.dts);
     }
-    mLastDts[track] = packet.dts;
-    account(track, packet);
+    lane.lastDts = packet.dts;
+    lane.extent.add(toTicks(packet.pts, stream.time_base),
+                    toTicks(packet.duration, stream.time_base));
+    mWritten[track].packets++;
+    writeHeld(track, 1);
+    av_packet_move_ref(lane.held.get(), &packet);
+}
+
+void Muxer::writeHeld(std::size_t track, std::int64_t duration) {
+    AVPacket& packet = *mLanes[track].held;
+    if (packet.data == nullptr) {
+        return;
+    }
+    packet.duration = duration;
     throwIfFailed(av_interleaved_write_frame(mFormat.get(), &packet), "write a packet");
 }
 
-void Muxer::account(std::size_t track, const AVPacket& packet) {
-    WrittenTrack& written = mWritten[track];
+void Muxer::finishTrack(std::size_t track) {
+    const Lane& lane = mLanes[track];
+    if (lane.extent.isEmpty()) {
+        return;
+    }
+    // MP4 keeps when packets are decoded and how much later they are shown; of the durations that
+    // it is given it uses the last packet's, to end the track.
     const AVRational base = mFormat->streams[track]->time_base;
-    const Ticks begin = toTicks(packet.dts, base);
-    written.packets++;
-    written.begin = written.begin == kNoTime ? begin : written.begin;
-    written.end = toTicks(addTimes(packet.dts, packet.duration), base);
+    const std::int64_t end = av_rescale_q(lane.extent.end(), kTicks, base);
+    const std::int64_t duration = std::clamp<std::int64_t>(end - lane.held->pts, 1, INT32_MAX);
+    const std::int64_t decoded = addTimes(lane.lastDts, duration) - lane.firstDts;
+    mWritten[track].duration =
+        std::min(lane.extent.end() - lane.extent.begin(), toTicks(decoded, base));
+    writeHeld(track, duration);
 }
 
 void Muxer::finish() {
+    for (std::size_t track = 0; track < mLanes.size(); ++track) {
+        finishTrack(track);
+    }
     throwIfFailed(av_write_trailer(mFormat.get()), "complete the MP4 file");
     avio_flush(mFormat->pb);
     throwIfFailed(mFormat->pb->error, "complete the MP4 file");

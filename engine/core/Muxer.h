@@ -2,6 +2,7 @@
 
 #include "engine/core/AvHandles.h"
 #include "engine/core/DestinationFile.h"
+#include "engine/core/Extent.h"
 
 #include <cstdint>
 #include <vector>
@@ -16,8 +17,7 @@ struct WrittenTrack {
     int height = 0;
     int sampleRate = 0;
     std::int64_t packets = 0;
-    Ticks begin = kNoTime; ///< by decoding time
-    Ticks end = kNoTime;
+    Ticks duration = 0;
 };
 
 /// The MP4 file under construction. Tracks first, then writeHeader, packets, finish.
@@ -30,6 +30,7 @@ public:
     void copyMetadata(const AVFormatContext& from);
     void writeHeader();
     /// `packet` is stamped in `timeBase` and left empty. Decoding times that do not grow are moved.
+    /// Its duration counts where it is shown last of its track.
     void write(std::size_t track, AVPacket& packet, AVRational timeBase);
     void finish();
 
@@ -37,12 +38,20 @@ public:
 
 private:
     void throwIfFailed(int result, const char* doing) const;
-    void account(std::size_t track, const AVPacket& packet);
+    /// What is on its way into a track.
+    struct Lane {
+        Extent extent;
+        PacketPtr held; ///< the last packet, whose duration is known only at the end
+        std::int64_t firstDts = kNoTime;
+        std::int64_t lastDts = kNoTime;
+    };
+    void writeHeld(std::size_t track, std::int64_t duration);
+    void finishTrack(std::size_t track);
 
     DestinationFile& mFile;
     MuxerPtr mFormat;
     std::vector<WrittenTrack> mWritten;
-    std::vector<std::int64_t> mLastDts;
+    std::vector<Lane> mLanes;
 };
 
 } // namespace zelcore

@@ -55,7 +55,7 @@ void compare(AVStream& stream, const WrittenTrack& track, std::uint64_t size) {
                           text("The finished file's packet ", i, " lies outside of it"));
         }
     }
-    const double wanted = toSeconds(track.end - track.begin);
+    const double wanted = toSeconds(track.duration);
     const double duration = stream.duration == kNoTime
                                 ? 0
                                 : static_cast<double>(stream.duration) * av_q2d(stream.time_base);

@@ -97,7 +97,7 @@ void VideoTranscoder::endPart() {
 }
 
 void VideoTranscoder::finish() {
-    mEncoder.encode(nullptr);
+    mEncoder.drain();
 }
 
 void VideoTranscoder::encode(AVFrame& picture) {
@@ -119,8 +119,7 @@ void VideoTranscoder::encode(AVFrame& picture) {
     const std::int64_t duration = picture.pkt_duration > 0
                                       ? av_rescale_q(picture.pkt_duration, mTimeBase, base)
                                       : av_rescale_q(1, av_inv_q(mEncoder.codec().framerate), base);
-    mEncoder.setFrameDuration(std::max<std::int64_t>(duration, 1));
-    mEncoder.encode(&fitted);
+    mEncoder.encode(fitted, std::max<std::int64_t>(duration, 1));
 }
 
 } // namespace zelcore

@@ -11,9 +11,8 @@ using Tracks = std::vector<WrittenTrack>;
 TEST(Verification, PassesTheWholeFileThatWasWrittenAndNothingElse) {
     const TemporaryFolder folder;
     const std::string whole = readFile(recording("h264-aac.mp4"));
-    const Tracks written = {
-        {AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_H264, 160, 120, 0, 30, 0, 2 * kTicks.den},
-        {AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_AAC, 0, 0, 48000, 95, 0, 2 * kTicks.den}};
+    const Tracks written = {{AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_H264, 160, 120, 0, 30, 2 * kTicks.den},
+                            {AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_AAC, 0, 0, 48000, 95, 2 * kTicks.den}};
     const auto isPassed = [&](const std::string& content, const Tracks& tracks) {
         try {
             verify(folder.write("file.mp4", content), content.size(), tracks, StopFlag());
@@ -30,7 +29,7 @@ TEST(Verification, PassesTheWholeFileThatWasWrittenAndNothingElse) {
         [](Tracks& tracks) { tracks[0].codec = AV_CODEC_ID_HEVC; },
         [](Tracks& tracks) { tracks[0].height = 118; },
         [](Tracks& tracks) { tracks[1].packets++; },
-        [](Tracks& tracks) { tracks[1].end -= kTicks.den / 5; },
+        [](Tracks& tracks) { tracks[1].duration -= kTicks.den / 5; },
     };
     for (const auto& lie : lies) {
         Tracks tracks = written;
