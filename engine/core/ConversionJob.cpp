@@ -11,11 +11,17 @@ namespace zelcore {
 
 namespace {
 
+/// More than these are opened anew when their turn comes; the system limits open files.
+constexpr std::size_t kMostKeptOpen = 16;
+
 Sources openSources(const std::vector<std::string>& paths, const StopFlag& stop) {
     Sources sources;
     for (const std::string& path : paths) {
         sources.push_back(std::make_unique<Source>(path, stop));
-        sources.back()->discardUnwanted();
+        sources.back()->traceUnwanted();
+        if (sources.size() > kMostKeptOpen) {
+            sources.back()->close();
+        }
     }
     return sources;
 }
@@ -24,7 +30,7 @@ void traceJob(const Sources& sources, const std::vector<TrackPlan>& plans) {
     for (const auto& source : sources) {
         trace(TraceLevel::Info,
               text("Source \"", source->path(), "\": ", source->format().iformat->name, ", ",
-                   toSeconds(source->duration()), " s, ", source->file().state().size, " bytes"));
+                   toSeconds(source->duration()), " s, ", source->state().size, " bytes"));
     }
     for (std::size_t track = 0; track < plans.size(); ++track) {
         trace(TraceLevel::Info, text("Track ", track, ": ",

@@ -20,15 +20,17 @@ PartJoiner::PartJoiner(const Sources& sources, const std::vector<TrackPlan>& pla
     for (const auto& source : sources) {
         isKnown = isKnown && source->duration() > 0;
         mTotal += source->duration();
-        mBytes += source->file().state().size;
+        mBytes += source->state().size;
     }
     mTotal = isKnown ? mTotal : 0;
 }
 
 void PartJoiner::run() {
     for (std::size_t part = 0; part < mSources.size(); ++part) {
+        mSources[part]->open();
         runPart(part);
-        mBefore += mSources[part]->file().state().size;
+        mSources[part]->close();
+        mBefore += mSources[part]->state().size;
     }
     for (const auto& track : mTracks) {
         track->finish();
@@ -53,10 +55,7 @@ void PartJoiner::runPart(std::size_t part) {
     const PacketPtr packet = makePacket();
     while (source.read(*packet)) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
-        if (index >= trackOf.size()) {
-            trackOf.resize(source.streamCount()); // a stream that nothing announced
-        }
-        if (!trackOf[index]) {
+        if (index >= trackOf.size() || !trackOf[index]) {
             source.throwIfNeeded(index);
         } else {
             end = std::max(end, endOf(*packet, source.stream(index), offset));
@@ -94,8 +93,7 @@ void PartJoiner::noteProgress(const AVPacket& packet, const Source& source, Tick
     if (mTotal > 0) {
         mProgress.update(static_cast<double>(end) / static_cast<double>(mTotal));
     } else if (packet.pos >= 0) {
-        const auto done =
-            std::min(static_cast<std::uint64_t>(packet.pos), source.file().state().size);
+        const auto done = std::min(static_cast<std::uint64_t>(packet.pos), source.state().size);
         mProgress.update(static_cast<double>(mBefore + done) / static_cast<double>(mBytes));
     }
 }

@@ -31,13 +31,88 @@ int isStopRaised(void* stop) {
     return static_cast<const StopFlag*>(stop)->isRaised() ? 1 : 0;
 }
 
+void copyStream(const AVStream& from, AVStream& to) {
+    require(avcodec_parameters_copy(to.codecpar, from.codecpar), "stream parameters");
+    require(av_dict_copy(&to.metadata, from.metadata, 0), "stream metadata");
+    to.id = from.id;
+    to.time_base = from.time_base;
+    to.start_time = from.start_time;
+    to.duration = from.duration;
+    to.nb_frames = from.nb_frames;
+    to.disposition = from.disposition;
+    to.sample_aspect_ratio = from.sample_aspect_ratio;
+    to.avg_frame_rate = from.avg_frame_rate;
+    to.r_frame_rate = from.r_frame_rate;
+    for (const AVPacketSideData& data :
+         std::span(from.side_data, static_cast<std::size_t>(from.nb_side_data))) {
+        std::uint8_t* copy = av_stream_new_side_data(&to, data.type, data.size);
+        if (copy == nullptr) {
+            throw std::bad_alloc();
+        }
+        std::copy_n(data.data, data.size, copy);
+    }
+}
+
+MuxerPtr copyOfWhatIsKnown(const AVFormatContext& from) {
+    auto copy = owned<MuxerPtr>(avformat_alloc_context());
+    for (const AVStream* each : std::span(from.streams, from.nb_streams)) {
+        AVStream* stream = avformat_new_stream(copy.get(), nullptr);
+        if (stream == nullptr) {
+            throw std::bad_alloc();
+        }
+        copyStream(*each, *stream);
+    }
+    require(av_dict_copy(&copy->metadata, from.metadata, 0), "metadata");
+    copy->iformat = from.iformat;
+    copy->start_time = from.start_time;
+    copy->duration = from.duration;
+    copy->bit_rate = from.bit_rate;
+    return copy;
+}
+
 } // namespace
 
-Source::Source(const std::string& path, const StopFlag& stop)
-    : mFile(std::make_unique<SourceFile>(path, stop)) {
+Source::Source(std::string path, const StopFlag& stop) : mPath(std::move(path)), mStop(stop) {
+    openDemuxer();
+    mState = mFile->state();
+    mKnown = copyOfWhatIsKnown(*mDemuxer);
+    const auto streams = std::span(mKnown->streams, mKnown->nb_streams);
+    if (std::ranges::none_of(streams, [this](const AVStream* each) { return isWanted(*each); })) {
+        throw Failure(ErrorCode::NothingToConvert,
+                      text("Source \"", mPath, "\" has neither sound nor picture"));
+    }
+    discardUnwanted();
+}
+
+void Source::open() {
+    if (mDemuxer != nullptr) {
+        return;
+    }
+    openDemuxer();
+    const auto isAsKnown = [this](std::size_t index) {
+        return mDemuxer->streams[index]->codecpar->codec_id == stream(index).codecpar->codec_id;
+    };
+    bool isUnchanged = mFile->state() == mState && mDemuxer->nb_streams >= mKnown->nb_streams;
+    for (std::size_t i = 0; isUnchanged && i < streamCount(); ++i) {
+        isUnchanged = isAsKnown(i);
+    }
+    if (!isUnchanged) {
+        throw Failure(ErrorCode::SourceChanged,
+                      text("Source \"", mPath, "\" changed before its turn came"));
+    }
+    discardUnwanted();
+}
+
+void Source::close() {
+    mDemuxer.reset();
+    mFile.reset();
+}
+
+void Source::openDemuxer() {
+    mFile = std::make_unique<SourceFile>(mPath, mStop);
     if (const auto declared = declaredSize(*mFile); declared > mFile->state().size + 1) {
         throw Failure(ErrorCode::SourceTruncated,
-                      text("Source \"", path, "\" is cut short: it has ", mFile->state().size,
+                      text("Source \"", mPath, "\" is cut short: it has ", mFile->state().size,
                            " bytes of ", declared));
     }
     AVFormatContext* demuxer = owned<DemuxerPtr>(avformat_alloc_context()).release();
@@ -45,26 +120,24 @@ Source::Source(const std::string& path, const StopFlag& stop)
     demuxer->flags |= AVFMT_FLAG_CUSTOM_IO;
     demuxer->io_open = refuseToOpen;
     // FFmpeg's callback takes no const pointer; isStopRaised only reads.
-    demuxer->interrupt_callback = {isStopRaised, const_cast<StopFlag*>(&stop)};
+    demuxer->interrupt_callback = {isStopRaised, const_cast<StopFlag*>(&mStop)};
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", kContainers, 0);
+    const int isSet = av_dict_set(&options, "format_whitelist", kContainers, 0);
     // On failure the context is freed and the pointer null.
-    int result = avformat_open_input(&demuxer, "", nullptr, &options);
+    int result = isSet < 0 ? isSet : avformat_open_input(&demuxer, "", nullptr, &options);
     av_dict_free(&options);
     mDemuxer.reset(demuxer);
     if (result >= 0) {
         result = avformat_find_stream_info(mDemuxer.get(), nullptr);
     }
-    stop.throwIfRaised();
+    mStop.throwIfRaised();
     mFile->throwIfUnsound();
+    if (result == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
     if (result < 0) {
         throw Failure(ErrorCode::NotARecording,
-                      text("Source \"", path, "\" is no recording: ", ffmpegErrorText(result)));
-    }
-    const auto streams = std::span(mDemuxer->streams, mDemuxer->nb_streams);
-    if (std::ranges::none_of(streams, [this](const AVStream* each) { return isWanted(*each); })) {
-        throw Failure(ErrorCode::NothingToConvert,
-                      text("Source \"", path, "\" has neither sound nor picture"));
+                      text("Source \"", mPath, "\" is no recording: ", ffmpegErrorText(result)));
     }
 }
 
@@ -87,22 +160,26 @@ void Source::throwIfNeeded(std::size_t index) const {
 
 void Source::discardUnwanted() {
     for (AVStream* each : std::span(mDemuxer->streams, mDemuxer->nb_streams)) {
-        if (isWanted(*each)) {
-            continue;
-        }
         if (!isPicture(*each) && each->codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
             each->discard = AVDISCARD_ALL;
         }
-        const char* kind = av_get_media_type_string(each->codecpar->codec_type);
-        trace(TraceLevel::Warning, text("Stream ", each->index, " of \"", path(),
-                                        "\" is left out: ", kind == nullptr ? "unknown" : kind,
-                                        " (", avcodec_get_name(each->codecpar->codec_id), ")"));
+    }
+}
+
+void Source::traceUnwanted() const {
+    for (const AVStream* each : std::span(mKnown->streams, mKnown->nb_streams)) {
+        if (!isWanted(*each)) {
+            const char* kind = av_get_media_type_string(each->codecpar->codec_type);
+            trace(TraceLevel::Warning, text("Stream ", each->index, " of \"", mPath,
+                                            "\" is left out: ", kind == nullptr ? "unknown" : kind,
+                                            " (", avcodec_get_name(each->codecpar->codec_id), ")"));
+        }
     }
 }
 
 Ticks Source::start() const {
     Ticks earliest = kNoTime;
-    for (const AVStream* each : std::span(mDemuxer->streams, mDemuxer->nb_streams)) {
+    for (const AVStream* each : std::span(mKnown->streams, mKnown->nb_streams)) {
         if (isWanted(*each) && each->start_time != kNoTime) {
             const Ticks begin = toTicks(each->start_time, each->time_base);
             earliest = earliest == kNoTime ? begin : std::min(earliest, begin);
@@ -112,9 +189,9 @@ Ticks Source::start() const {
 }
 
 Ticks Source::duration() const {
-    return mDemuxer->duration == kNoTime || mDemuxer->duration < 0
+    return mKnown->duration == kNoTime || mKnown->duration < 0
                ? 0
-               : toTicks(mDemuxer->duration, av_make_q(1, AV_TIME_BASE));
+               : toTicks(mKnown->duration, av_make_q(1, AV_TIME_BASE));
 }
 
 bool Source::read(AVPacket& packet) {

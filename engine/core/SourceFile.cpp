@@ -44,6 +44,9 @@ SourceFile::SourceFile(std::string path, const StopFlag& stop)
         refuse(ErrorCode::SourceEmpty, mPath, "is empty");
     }
     auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferSize));
+    if (buffer == nullptr) {
+        throw std::bad_alloc();
+    }
     mIo.reset(avio_alloc_context(buffer, kBufferSize, 0, this, &onRead, nullptr, &onSeek));
     if (mIo == nullptr) {
         av_free(buffer);
