@@ -22,7 +22,12 @@ AsyncQueue::AsyncQueue(const std::string& name, bool registerThread)
     mContext->mState.exchange(State::Running);
     mContext->mName = name;
     mContext->mRegisterThread = registerThread;
-    std::thread worker([context = mContext] { QueueWorker(context).run(); });
+    std::thread worker([context = mContext] {
+        QueueWorker(context).run();
+        if (context->mDetached) {
+            context->mThreadId.store({}); // the system gives it to another thread
+        }
+    });
     mContext->mThreadId.store(worker.get_id());
     mContext->mThread = std::move(worker);
 }

@@ -53,10 +53,10 @@ void QueueWorker::doWork() {
 /// wait for the look to end.
 void QueueWorker::idle(Lock& lock) {
     const std::uint32_t seen = mContext->mWakeCount.load(std::memory_order_relaxed);
-    if (std::exchange(mMayLook, false)) {
+    if (mMayLook || mScope.isOpen()) {
         lock.unlock();
         mScope.close();
-        mMayLook = mContext->lookForWork(seen, kLookingTime);
+        mMayLook = std::exchange(mMayLook, false) && mContext->lookForWork(seen, kLookingTime);
         lock.lock();
     } else {
         mContext->waitForWork(lock);

@@ -21,6 +21,7 @@ public:
     /// Puts the thread's own description back: before it waits, and before anything else is done
     /// under its name.
     void close() noexcept;
+    bool isOpen() const noexcept { return mScope.has_value(); }
 
 private:
     const std::string mPrefix;

@@ -93,6 +93,15 @@ TEST_F(AsyncQueueStopTest, EndsItsWorkerWhenATaskSaysThatItsObjectIsGone) {
     EXPECT_EQ(mQueue->currentTaskName(), "orphan");
     EXPECT_THAT(notes(), ElementsAre());
     EXPECT_THAT(logged(), ElementsAre("190 <Warn> AsyncQueue[Q] Destructed running taskorphan"));
+    mQueue = std::make_shared<AsyncQueue>("Q", false);
+    mQueue->post("last", TaskFunction([this] {
+                     mQueue->stop();
+                     throw AsyncQueueDestroyedException();
+                 }),
+                 0, 0);
+    while (mQueue->threadId() != std::thread::id()) { // a thread that has ended is nobody's
+        std::this_thread::yield();
+    }
 }
 
 } // namespace

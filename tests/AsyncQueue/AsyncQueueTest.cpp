@@ -87,6 +87,10 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
                     ThreadUtilities::setThreadDescription(ownName);
                 }
             });
+            // Its own name comes back when it has nothing to do.
+            while (!getThreadDescription(worker).empty()) {
+                std::this_thread::yield();
+            }
         }
         hold();
         post("later");
