@@ -7,9 +7,9 @@
 
 namespace tarn::platform {
 
-/// A file whose end bytes are added to, each write by as few calls of the system as it allows: one.
-/// A stream would copy them into a buffer, or gather them by a dearer call. Others may read and
-/// write the file meanwhile; child processes do not inherit it. Not thread-safe.
+/// An ordinary file whose end bytes are added to, each write by as few calls of the system as it
+/// allows: one. A stream would copy them into a buffer, or gather them by a dearer call. Others may
+/// read and write the file meanwhile; child processes do not inherit it. Not thread-safe.
 class AppendFile {
 public:
     enum class Existing { Kept, Emptied };
@@ -19,7 +19,8 @@ public:
     AppendFile& operator=(const AppendFile&) = delete;
     ~AppendFile() { close(); }
 
-    /// Closes what was open, and makes the file where there is none. False on failure.
+    /// Closes what was open, and makes the file where there is none. False on failure, and for a
+    /// pipe or a device, which would keep the caller waiting or take the bytes away.
     bool open(const std::string& path, Existing existing);
     /// The number of bytes that the system took: fewer than given once it refuses the rest.
     std::size_t write(std::string_view bytes);

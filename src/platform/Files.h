@@ -8,7 +8,8 @@
 #include <vector>
 
 /// The few file calls that differ between systems. Paths are UTF-8. Nothing here logs: a failure is
-/// the result, with the system's `errno` in the calling thread's errno.
+/// the result, with the system's `errno` in the calling thread's errno; lastFileError() tells the
+/// number that the system itself gave.
 namespace tarn::platform {
 
 struct FileDetails {
@@ -22,8 +23,12 @@ struct FileDetails {
 struct FolderEntry {
     std::string name;          ///< without its folder
     std::int64_t modified = 0; ///< 100 ns units since 1970-01-01 UTC
-    bool isFolder = false;     ///< a link to a folder counts as a file: nothing walks through it
+    bool isFolder = false;     ///< false for a link to one: nothing walks through it
+    bool isLinkToFolder = false;
 };
+
+/// Of the calling thread's last failed file call: GetLastError() on Windows, errno on Linux.
+std::uint32_t lastFileError();
 
 std::optional<FileDetails> fileDetails(const std::string& path);
 

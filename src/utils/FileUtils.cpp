@@ -72,9 +72,8 @@ bool FileUtils::renameWithMessage(const std::string& from, const std::string& to
     if (reason != nullptr) {
         *reason = std::generic_category().message(error);
     }
-    LogStream text;
-    text << "Could not rename '" << from << "' to '" << to << "'.  errno was " << error;
-    scope.log(RootLoggerLevel::Error, __LINE__, text);
+    TARN_FILE_UTILS_LOG(RootLoggerLevel::Error, "Could not rename '" << from << "' to '" << to
+                                                                     << "'.  errno was " << error);
     return false;
 }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <fstream>
 
 namespace tarn {
@@ -183,10 +182,9 @@ bool FileUtils::writeAllBytes(const std::string& path,
     if (finish(stream)) {
         return true;
     }
-    const int error = errno;
-    LogStream text;
-    text << "Could not write '" << path << "', errorCode: " << error;
-    scope.log(RootLoggerLevel::Error, __LINE__, text);
+    const std::uint32_t error = platform::lastFileError();
+    TARN_FILE_UTILS_LOG(RootLoggerLevel::Error,
+                        "Could not write '" << path << "', errorCode: " << error);
     return false;
 }
 

@@ -1,10 +1,12 @@
 #include "platform/Files.h"
+#include "platform/OpenFolder.h"
 #include "utils/FileNames.h"
 #include "utils/FileUtils.h"
 #include "utils/LogScope.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 
 namespace tarn {
 namespace {
@@ -34,15 +36,13 @@ void walk(const std::string& folder, const auto& visit) {
     }
 }
 
-bool removeWithContents(const std::string& folder) {
-    const auto entries = platform::listFolder(folder);
-    bool removed = entries.has_value();
-    for (const FolderEntry& entry : entries.value_or(std::vector<FolderEntry>())) {
-        const std::string path = fileNames::join(folder, entry.name);
-        removed =
-            (entry.isFolder ? removeWithContents(path) : platform::removeFile(path)) && removed;
-    }
-    return platform::removeEmptyFolder(folder) && removed;
+bool isFile(const FolderEntry& entry) {
+    return !entry.isFolder && !entry.isLinkToFolder;
+}
+
+bool removeWithContents(const std::string& path) {
+    const auto folder = platform::OpenFolder::open(path);
+    return folder != nullptr && folder->removeAll();
 }
 
 bool copyWithContents(const std::string& from, const std::string& to) {
@@ -113,8 +113,9 @@ bool FileUtils::removeEmptyDir(const std::string& folder) const {
 bool FileUtils::removeNonEmptyDir(const std::string& folder) const {
     TARN_FILE_UTILS_SCOPE("removeNonEmptyDir");
     const std::string path = fileNames::withoutTrailingSeparators(folder);
-    // Removing it as a file succeeds exactly for a link to a folder.
-    return isFolder(path) && (platform::removeFile(path) || removeWithContents(path));
+    // Whether or not a link to a folder can be removed, what is behind it stays: it cannot be
+    // opened as a folder.
+    return isFolder(path) && (removeWithContents(path) || platform::removeFile(path));
 }
 
 bool FileUtils::moveDirectory(const std::string& from, const std::string& to) const {
@@ -127,8 +128,7 @@ bool FileUtils::moveDirectory(const std::string& from, const std::string& to) co
     if (platform::renamePath(source, target)) {
         return true;
     }
-    // Windows says EACCES for folders on another drive.
-    if (errno != EXDEV && errno != EACCES) {
+    if (errno != EXDEV) {
         return false;
     }
     if (!copyWithContents(source, target)) {
@@ -164,7 +164,7 @@ std::vector<std::string> FileUtils::getFiles(const std::string& folder) const {
     TARN_FILE_UTILS_SCOPE("getFiles");
     std::vector<std::string> names;
     for (const FolderEntry& entry : entriesOf(folder)) {
-        if (!entry.isFolder) {
+        if (isFile(entry)) {
             names.push_back(entry.name);
         }
     }
@@ -175,7 +175,7 @@ std::vector<std::string> FileUtils::getFilesRecursive(const std::string& folder)
     TARN_FILE_UTILS_SCOPE("getFilesRecursive");
     std::vector<std::string> paths;
     walk(folder, [&](const std::string& path, const FolderEntry& entry) {
-        if (!entry.isFolder) {
+        if (isFile(entry)) {
             paths.push_back(path);
         }
     });
@@ -186,12 +186,13 @@ std::vector<std::string> FileUtils::getFilesSortedByDate(const std::string& fold
                                                          bool oldestFirst) const {
     TARN_FILE_UTILS_SCOPE("getFilesSortedByDate");
     auto entries = entriesOf(folder);
-    std::erase_if(entries, [](const FolderEntry& entry) { return entry.isFolder; });
-    // Strict in both directions: a comparison that orders equal times both ways would make the
-    // sort's behaviour undefined.
-    std::ranges::stable_sort(entries, [&](const FolderEntry& left, const FolderEntry& right) {
-        return oldestFirst ? left.modified < right.modified : left.modified > right.modified;
-    });
+    std::erase_if(entries, [](const FolderEntry& entry) { return !isFile(entry); });
+    // The oldest first is the newest first turned round, equal times too: a comparison that orders
+    // those both ways would make the sort's behaviour undefined.
+    std::ranges::stable_sort(entries, std::ranges::greater(), &FolderEntry::modified);
+    if (oldestFirst) {
+        std::ranges::reverse(entries);
+    }
     std::vector<std::string> paths;
     for (const FolderEntry& entry : entries) {
         paths.push_back(fileNames::join(folder, entry.name));
@@ -204,7 +205,7 @@ bool FileUtils::deleteAllFiles(const std::string& folder, const std::string& pat
     const auto entries = platform::listFolder(folder, pattern);
     bool deleted = entries.has_value();
     for (const FolderEntry& entry : entries.value_or(std::vector<FolderEntry>())) {
-        if (!entry.isFolder) {
+        if (isFile(entry)) {
             deleted = platform::removeFile(fileNames::join(folder, entry.name)) && deleted;
         }
     }

@@ -45,11 +45,12 @@ public:
     virtual void reserved14() const = 0;
     virtual bool moveDirectory(const std::string& from, const std::string& to) const = 0;
     /// Full paths of the sub-folders; of the files: bare names in getFiles, full paths elsewhere.
+    /// A link to a folder is neither.
     virtual std::vector<std::string> getDirs(const std::string& folder) const = 0;
     virtual std::vector<std::string> getDirsRecursive(const std::string& folder) const = 0;
     virtual std::vector<std::string> getFiles(const std::string& folder) const = 0;
     virtual std::vector<std::string> getFilesRecursive(const std::string& folder) const = 0;
-    /// Full paths by last write time. Equal times: any order.
+    /// Full paths by last write time; equal ones by name, turned round with `oldestFirst`.
     virtual std::vector<std::string> getFilesSortedByDate(const std::string& folder,
                                                           bool oldestFirst) const = 0;
     virtual std::wstring toWidePath(const std::string& path) const = 0;

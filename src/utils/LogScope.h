@@ -18,9 +18,7 @@ public:
     }
 
     void log(RootLoggerLevel::Level level, int line, const LogStream& text) const {
-        if (isLogEnabled(level)) {
-            writeLog(text.text(), level, line, mFile, mName);
-        }
+        writeLog(text.text(), level, line, mFile, mName);
     }
 
 private:
@@ -33,3 +31,12 @@ private:
 /// Opens the scope of an operation of FileUtils until the end of the block.
 #define TARN_FILE_UTILS_SCOPE(operation) \
     const ::tarn::LogScope scope("FileUtils::" operation, ::tarn::sourceName(__FILE__), __LINE__)
+
+/// Logs `stream` (operands joined by <<) as a line of the open scope. The operands are evaluated
+/// only when the level is enabled.
+#define TARN_FILE_UTILS_LOG(level, ...)                                       \
+    do {                                                                      \
+        if (::tarn::isLogEnabled(level)) {                                    \
+            scope.log(level, __LINE__, (::tarn::LogStream() << __VA_ARGS__)); \
+        }                                                                     \
+    } while (false)

@@ -1,5 +1,6 @@
 #include "platform/AppendFile.h"
 
+#include "platform/linux/SafeOpen.h"
 #include "platform/linux/SystemPath.h"
 
 #include <cerrno>
@@ -12,8 +13,19 @@ namespace tarn::platform {
 
 bool AppendFile::open(const std::string& path, Existing existing) {
     close();
-    const int emptying = existing == Existing::Emptied ? O_TRUNC : 0;
-    mHandle = ::open(systemPath(path), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | emptying, 0666);
+    // Only what was looked at is opened: opening alone can make a device act. Between the two
+    // calls it may change, and an open pipe is no harm if it makes nobody wait.
+    struct stat found {};
+    if (::stat(systemPath(path), &found) == 0 && !S_ISREG(found.st_mode)) {
+        errno = EINVAL;
+        return false;
+    }
+    mHandle = onlyOrdinary(::open(
+        systemPath(path), O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
+    if (mHandle != kNone && existing == Existing::Emptied &&
+        ::ftruncate(static_cast<int>(mHandle), 0) != 0) {
+        close();
+    }
     return mHandle != kNone;
 }
 

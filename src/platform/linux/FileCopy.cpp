@@ -1,4 +1,5 @@
 #include "platform/Files.h"
+#include "platform/linux/SafeOpen.h"
 #include "platform/linux/SystemPath.h"
 
 #include <array>
@@ -72,22 +73,23 @@ bool copyContents(int source, int target) {
 
 bool copyInto(int source, const struct stat& status, Descriptor& target) {
     const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-    return copyContents(source, target.get()) &&
-           fchmod(target.get(), status.st_mode & 0777U) == 0 &&
-           futimens(target.get(), times.data()) == 0 && target.close();
+    return copyContents(source, target.get()) && futimens(target.get(), times.data()) == 0 &&
+           target.close();
+}
+
+/// Without O_NONBLOCK opening a pipe would wait for its writer.
+int openSource(const std::string& path, struct stat& status) {
+    const int source =
+        onlyOrdinary(open(systemPath(path), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    return source >= 0 && fstat(source, &status) == 0 ? source : -1;
 }
 
 } // namespace
 
 bool copyFileContents(const std::string& from, const std::string& to) {
-    // Without O_NONBLOCK opening a pipe would wait for its writer.
-    const Descriptor source(open(systemPath(from), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
-    if (source.get() < 0 || fstat(source.get(), &status) != 0) {
-        return false;
-    }
-    if (!S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    const Descriptor source(openSource(from, status));
+    if (source.get() < 0) {
         return false;
     }
     // The temporary's name is short, so that a target with the longest possible name works too.
@@ -98,12 +100,33 @@ bool copyFileContents(const std::string& from, const std::string& to) {
     if (target.get() < 0) {
         return false;
     }
-    if (copyInto(source.get(), status, target) &&
+    if (fchmod(target.get(), status.st_mode & 0777U) == 0 &&
+        copyInto(source.get(), status, target) &&
         std::rename(temporary.c_str(), systemPath(to)) == 0) {
         return true;
     }
     const int reason = errno;
     unlink(temporary.c_str());
+    errno = reason;
+    return false;
+}
+
+bool copyContentsInto(const std::string& from, int folder, const char* name) {
+    struct stat status {};
+    const Descriptor source(openSource(from, status));
+    if (source.get() < 0) {
+        return false;
+    }
+    Descriptor target(
+        openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (target.get() < 0) {
+        return false;
+    }
+    if (copyInto(source.get(), status, target)) {
+        return true;
+    }
+    const int reason = errno;
+    unlinkat(folder, name, 0);
     errno = reason;
     return false;
 }

@@ -1,14 +1,12 @@
 #include "platform/Files.h"
 
-#include "platform/Wildcard.h"
+#include "platform/linux/SafeOpen.h"
 #include "platform/linux/SystemPath.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,15 +17,15 @@ std::int64_t inUnits(const timespec& time) {
     return std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100;
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 } // namespace
 
 const char* systemPath(const std::string& path) {
     // A NUL inside would silently name another file; the empty path names none (ENOENT).
     return path.find('\0') == std::string::npos ? path.c_str() : "";
+}
+
+std::uint32_t lastFileError() {
+    return static_cast<std::uint32_t>(errno);
 }
 
 std::optional<FileDetails> fileDetails(const std::string& path) {
@@ -44,25 +42,7 @@ std::optional<FileDetails> fileDetails(const std::string& path) {
 
 std::optional<std::vector<FolderEntry>> listFolder(const std::string& folder,
                                                    std::string_view pattern) {
-    const std::unique_ptr<DIR, CloseFolder> stream(opendir(systemPath(folder)));
-    if (stream == nullptr) {
-        return std::nullopt;
-    }
-    std::vector<FolderEntry> entries;
-    errno = 0;
-    // readdir is safe as long as each stream stays on one thread.
-    while (const dirent* entry = readdir(stream.get())) { // NOLINT(concurrency-mt-unsafe)
-        const std::string_view name = entry->d_name;
-        struct stat status {};
-        if (name != "." && name != ".." && matchesWildcard(name, pattern) &&
-            fstatat(dirfd(stream.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
-            entries.push_back({.name = std::string(name),
-                               .modified = inUnits(status.st_mtim),
-                               .isFolder = S_ISDIR(status.st_mode)});
-        }
-        errno = 0;
-    }
-    return errno == 0 ? std::optional(std::move(entries)) : std::nullopt;
+    return entriesOf(open(systemPath(folder), O_RDONLY | O_DIRECTORY | O_CLOEXEC), pattern);
 }
 
 bool removeFile(const std::string& path) {

@@ -24,6 +24,9 @@ bool AppendFile::open(const std::string& path, Existing existing) {
                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     existing == Existing::Emptied ? CREATE_ALWAYS : OPEN_ALWAYS,
                     FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (mHandle != kNone && GetFileType(std::bit_cast<HANDLE>(mHandle)) != FILE_TYPE_DISK) {
+        close();
+    }
     return mHandle != kNone;
 }
 

@@ -43,8 +43,12 @@ HANDLE openForAttributes(const std::string& path) {
                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
+bool isFolder(DWORD attributes) {
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 bool isLinkToFolder(DWORD attributes, DWORD reparseTag) {
-    return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+    return isFolder(attributes) && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
            (reparseTag == IO_REPARSE_TAG_SYMLINK || reparseTag == IO_REPARSE_TAG_MOUNT_POINT);
 }
 
@@ -60,6 +64,10 @@ bool matches(const wchar_t* name, const std::string& foldedPattern) {
 }
 
 } // namespace
+
+std::uint32_t lastFileError() {
+    return GetLastError();
+}
 
 // The C library's _wstat64 counts whole seconds, keeps links closed and refuses `\\?\` for its
 // question mark; these calls do none of that.
@@ -91,11 +99,11 @@ std::optional<std::vector<FolderEntry>> listFolder(const std::string& folder,
     do {
         const std::wstring_view name = found.cFileName;
         if (name != L"." && name != L".." && matches(found.cFileName, foldedPattern)) {
-            const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-                                  !isLinkToFolder(found.dwFileAttributes, found.dwReserved0);
+            const bool isLink = isLinkToFolder(found.dwFileAttributes, found.dwReserved0);
             entries.push_back({.name = toUtf8(name),
                                .modified = inUnits(found.ftLastWriteTime),
-                               .isFolder = isFolder});
+                               .isFolder = isFolder(found.dwFileAttributes) && !isLink,
+                               .isLinkToFolder = isLink});
         }
     } while (FindNextFileW(handle, &found) != 0);
     const bool whole = GetLastError() == ERROR_NO_MORE_FILES;
@@ -125,7 +133,19 @@ bool makeFolder(const std::string& path) {
 }
 
 bool renamePath(const std::string& from, const std::string& to) {
-    return _wrename(systemPath(from).c_str(), systemPath(to).c_str()) == 0;
+    const std::wstring source = systemPath(from);
+    const std::wstring target = systemPath(to);
+    if (MoveFileExW(source.c_str(), target.c_str(), 0) != 0) {
+        return true;
+    }
+    const DWORD error = GetLastError();
+    // A file may go to another drive, as by the C library; for a folder that is the error.
+    if (error == ERROR_NOT_SAME_DEVICE && !isFolder(GetFileAttributesW(source.c_str())) &&
+        MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_COPY_ALLOWED) != 0) {
+        return true;
+    }
+    SetLastError(error);
+    return failedByLastError();
 }
 
 bool makeHardLink(const std::string& existing, const std::string& link) {

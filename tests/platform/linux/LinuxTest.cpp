@@ -43,8 +43,13 @@ TEST(LinuxFiles, NeverWalkThroughLinksAndKeepNamesThatAreNotUtf8) {
     const std::string tree = folder.makeFolder("tree");
     std::filesystem::create_directory_symlink(outside, folder / "tree/link");
     std::filesystem::create_directory_symlink(outside, folder / "link");
-    EXPECT_THAT(files.getFilesRecursive(tree), ElementsAre(folder / "tree/link"));
+    std::filesystem::create_symlink(odd, folder / "tree/second name");
+    EXPECT_THAT(files.getFilesRecursive(tree), ElementsAre(folder / "tree/second name"));
+    EXPECT_THAT(files.getFilesSortedByDate(tree, true), ElementsAre(folder / "tree/second name"));
+    EXPECT_TRUE(files.deleteAllFiles(tree, "*"));
+    EXPECT_THAT(files.getFiles(tree), IsEmpty());
     EXPECT_THAT(files.getDirs(tree), IsEmpty());
+    EXPECT_TRUE(files.exists(folder / "tree/link"));
     EXPECT_TRUE(files.removeNonEmptyDir(folder / "link"));
     EXPECT_TRUE(files.removeNonEmptyDir(tree));
     EXPECT_THAT(files.getFilesRecursive(folder.path()), ElementsAre(odd));

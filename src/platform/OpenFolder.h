@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/Files.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::platform {
+
+/// A folder that was opened once and is reached through that handle from then on: whoever puts
+/// something else in its place or in the place of a folder inside it leads nobody there. No link is
+/// followed. Linux walks by descriptors; Windows holds handles that keep the folders from being
+/// moved. Not thread-safe.
+class OpenFolder {
+public:
+    /// Nothing for a link, and for what is no folder.
+    static std::unique_ptr<OpenFolder> open(const std::string& path);
+    /// Makes a folder in `parent` for its owner alone, named `prefix` and what nobody can foresee,
+    /// and marks it as in use.
+    static std::unique_ptr<OpenFolder> makePrivate(const std::string& parent,
+                                                   const std::string& prefix);
+    /// Opens a folder that makePrivate() made and that nobody uses any more; nothing for any other.
+    static std::unique_ptr<OpenFolder> openLeftover(const std::string& path);
+
+    OpenFolder(const OpenFolder&) = delete;
+    OpenFolder& operator=(const OpenFolder&) = delete;
+    ~OpenFolder();
+
+    const std::string& path() const { return mPath; }
+    std::optional<std::vector<FolderEntry>> entries() const;
+    std::unique_ptr<OpenFolder> folder(const std::string& name) const;
+    /// For reading, from 0 on; -1 for a link, and for what is no ordinary file. Closed by ReadFile.
+    std::intptr_t openFile(const std::string& name) const;
+    /// Copies an ordinary file into the folder, for the owner alone, with its modification time.
+    /// EEXIST when the name is taken.
+    bool copyIn(const std::string& from, const std::string& name) const;
+    /// Removes what is in the folder, and then the folder itself. False when something stays.
+    bool removeContents() const;
+    bool removeAll();
+
+private:
+    OpenFolder(std::string path, std::intptr_t handle) : mPath(std::move(path)), mHandle(handle) {}
+    void close();
+
+    std::string mPath;
+    std::intptr_t mHandle; ///< Linux: descriptor, Windows: HANDLE
+};
+
+/// `prefix` and 16 hexadecimal digits of the system's randomness.
+std::string unforeseeableName(const std::string& prefix);
+
+} // namespace tarn::platform
