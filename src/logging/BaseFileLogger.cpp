@@ -31,7 +31,7 @@ BaseFileLogger::BaseFileLogger(const std::string& folder, std::int64_t size,
                                std::shared_ptr<IFileUtils> fileUtils, bool keepWhileFailed)
     : mFileUtils(std::move(fileUtils)),
       mFolder(withSeparator(folder, *mFileUtils)),
-      mNames(mFolder, currentLogFileName()),
+      mRun(mFolder, currentLogFileName()),
       mMaxFileSize(size * kBytesPerSizeUnit),
       mSwitchSize(mMaxFileSize),
       mKeepWhileFailed(keepWhileFailed) {
@@ -43,10 +43,26 @@ BaseFileLogger::~BaseFileLogger() {
 
 void BaseFileLogger::start(bool movePreviousRun) {
     mMovePreviousRun = movePreviousRun;
-    if (movePreviousRun) {
-        moveFiles(mFileUtils, mNames.previousRunMoves());
+    openFile(prepareFirstOpening());
+}
+
+/// Also when the folder comes late: what a previous run left there is to survive just so.
+LogFile::Mode BaseFileLogger::prepareFirstOpening() {
+    mRun.take();
+    if (!mMovePreviousRun) {
+        return LogFile::Mode::Append;
     }
-    openFile(movePreviousRun ? LogFile::Mode::Truncate : LogFile::Mode::Append);
+    auto pairs = names().previousRunMoves();
+    if (mHasMoved) { // what is in its new place already must not be removed
+        std::erase_if(pairs, [&](const auto& pair) { return !mFileUtils->exists(pair.first); });
+    }
+    moveFiles(mFileUtils, pairs);
+    mHasMoved = mFileUtils->dirExists(mFolder);
+    // A file that cannot be renamed may be copied. Emptying the only copy would lose its lines.
+    return !mFileUtils->exists(names().current) ||
+                   mFileUtils->copyFile(names().current, names().lastRunCurrent)
+               ? LogFile::Mode::Truncate
+               : LogFile::Mode::Append;
 }
 
 void BaseFileLogger::moveFiles(const std::shared_ptr<IFileUtils>& fileUtils,
@@ -58,13 +74,13 @@ void BaseFileLogger::moveFiles(const std::shared_ptr<IFileUtils>& fileUtils,
 }
 
 bool BaseFileLogger::openFile(LogFile::Mode mode, Report report) {
-    if (mFile.open(mNames.current, mode)) {
-        mMovePreviousRun = false;
+    if (mFile.open(names().current, mode)) {
+        mHasOpened = true;
         mReopenPending = false;
         return true;
     }
     if (report == Report::ToStandardError) {
-        std::cerr << "Failed to open log file at :" << mNames.current << std::endl;
+        std::cerr << "Failed to open log file at :" << names().current << std::endl;
     }
     if (mKeepWhileFailed) {
         mReopenMode = mode;
@@ -91,7 +107,8 @@ bool BaseFileLogger::writeLine(const std::string& line) {
         }
     }
     mFile.add(line);
-    if (isFlushDue()) {
+    // The turns may always fall to another logger's lines.
+    if (isFlushDue() || mFile.unwritten() > kMostUnwritten) {
         flushFile();
     }
     return true;
@@ -111,20 +128,25 @@ void BaseFileLogger::keepUnwrittenLines() {
         return;
     }
     if (!std::exchange(mWriteFailureReported, true)) {
-        std::cerr << "Failed to write log file at :" << mNames.current << std::endl;
+        std::cerr << "Failed to write log file at :" << names().current << std::endl;
     }
     mKeptLines.insert(mKeptLines.begin(), std::make_move_iterator(lines.begin()),
                       std::make_move_iterator(lines.end()));
+    dropOldestLines(kMaxKeptLines);
     mReopenMode = LogFile::Mode::Append;
     mReopenPending = true;
     mNextRetry = std::chrono::steady_clock::now() + mRetryInterval;
 }
 
 void BaseFileLogger::keepLine(const std::string& line) {
-    while (mKeptLines.size() >= kMaxKeptLines) {
+    dropOldestLines(kMaxKeptLines - 1);
+    mKeptLines.push_back(line);
+}
+
+void BaseFileLogger::dropOldestLines(std::size_t most) {
+    while (mKeptLines.size() > most) {
         mKeptLines.pop_front();
     }
-    mKeptLines.push_back(line);
 }
 
 void BaseFileLogger::switchFiles() {
@@ -136,11 +158,11 @@ void BaseFileLogger::switchFiles() {
         return;
     }
     if (!mHeaderSaved) {
-        saveSessionHeader(mNames.current, mNames.header);
+        saveSessionHeader(names().current, names().header);
         mHeaderSaved = true;
     }
-    if (mFileUtils->exists(mNames.older)) {
-        mFileUtils->remove(mNames.older);
+    if (mFileUtils->exists(names().older)) {
+        mFileUtils->remove(names().older);
     }
     if (putAsideCurrentFile()) {
         mSwitchSize = mMaxFileSize;
@@ -154,19 +176,20 @@ void BaseFileLogger::switchFiles() {
 
 bool BaseFileLogger::putAsideCurrentFile() {
     std::string reason;
-    if (mFileUtils->renameWithMessage(mNames.current, mNames.older, &reason)) {
+    if (mFileUtils->renameWithMessage(names().current, names().older, &reason)) {
         return true;
     }
     std::cerr << "Failed to rename log file. " << reason << std::endl;
-    return mFileUtils->copyFile(mNames.current, mNames.older);
+    return mFileUtils->copyFile(names().current, names().older);
 }
 
 void BaseFileLogger::clearLogs() {
-    for (const std::string& file : mNames.clearedFiles()) {
+    for (const std::string& file : names().clearedFiles()) {
         mFileUtils->remove(file);
     }
     mFile.discard();
     mKeptLines.clear();
+    mSwitchSize = mMaxFileSize;
     openFile(LogFile::Mode::Truncate);
 }
 
@@ -184,7 +207,7 @@ void BaseFileLogger::flush() {
 }
 
 std::string BaseFileLogger::getLogFiles() const {
-    return mNames.current + ";" + mNames.older;
+    return names().current + ";" + names().older;
 }
 
 void BaseFileLogger::resume() {
@@ -202,20 +225,20 @@ void BaseFileLogger::tryToResume(Report report) {
         return;
     }
     mFileUtils->mkdirIfNotExistsRecursive(mFolder);
-    if (mMovePreviousRun && mFileUtils->exists(mNames.current)) {
-        // The start could not put the previous run's file aside, and opening would empty it.
-        moveFiles(mFileUtils, {mNames.previousRunMoves().front()});
+    if (!mHasOpened) {
+        mReopenMode = prepareFirstOpening();
     }
     if (!openFile(mReopenMode, report)) {
         return;
     }
-    while (!mKeptLines.empty() && mFile.isGood()) {
-        const std::string line = std::move(mKeptLines.front());
-        mKeptLines.pop_front();
-        if (!writeLine(line)) {
-            mKeptLines.push_front(line);
-        }
+    // A failure keeps the lines that were handed to the file and not written; the rest follows
+    // them.
+    auto lines = std::exchange(mKeptLines, {});
+    while (!lines.empty() && mFile.isGood() && writeLine(lines.front())) {
+        lines.pop_front();
     }
+    mKeptLines.insert(mKeptLines.end(), std::make_move_iterator(lines.begin()),
+                      std::make_move_iterator(lines.end()));
     flushFile();
 }
 

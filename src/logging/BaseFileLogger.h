@@ -2,7 +2,7 @@
 
 #include "logging/ILogger.h"
 #include "logging/LogFile.h"
-#include "logging/LogFileNames.h"
+#include "logging/RunSlot.h"
 #include "utils/IFileUtils.h"
 
 #include <chrono>
@@ -26,6 +26,7 @@ public:
 
     static constexpr std::int64_t kBytesPerSizeUnit = 500'000;
     static constexpr std::size_t kMaxKeptLines = 5000;
+    static constexpr std::size_t kMostUnwritten = 65536; ///< bytes
 
     /// The current file holds at most `size` * 500,000 bytes.
     BaseFileLogger(const std::string& folder, std::int64_t size,
@@ -46,19 +47,21 @@ public:
     virtual void moveFiles(const std::shared_ptr<IFileUtils>& fileUtils, const PathPairs& pairs);
 
     /// Opens the current file, once and before anything is logged. With `movePreviousRun` an
-    /// earlier run's files are put aside before; without it the current file is continued.
+    /// earlier run's files are put aside before; without it the current file is continued. While a
+    /// running program holds it, the lines go into files beside it (RunSlot.h).
     void start(bool movePreviousRun);
 
     /// How often log() tries to write again while the file is failed; a second unless set.
     void setRetryInterval(std::chrono::milliseconds interval) { mRetryInterval = interval; }
 
 protected:
-    const LogFileNames& names() const { return mNames; }
+    const LogFileNames& names() const { return mRun.names(); }
 
 private:
     enum class Report { ToStandardError, Nothing };
 
     bool isBlocked() const { return mKeepWhileFailed && !mFile.isGood(); }
+    LogFile::Mode prepareFirstOpening();
     bool openFile(LogFile::Mode mode, Report report = Report::ToStandardError);
     bool writeLine(const std::string& line);
     void flushFile();
@@ -66,6 +69,7 @@ private:
     bool putAsideCurrentFile();
     void keepUnwrittenLines();
     void keepLine(const std::string& line);
+    void dropOldestLines(std::size_t most);
     void tryToResume(Report report);
     void resumeWhenDue();
 
@@ -73,12 +77,14 @@ private:
     LogFile mFile;
     bool mHeaderSaved = false;
     std::string mFolder;
-    LogFileNames mNames;
+    RunSlot mRun;
     std::int64_t mMaxFileSize;
     std::int64_t mSwitchSize; ///< the limit, or above it when switching failed at the limit
     LogFile::Mode mReopenMode = LogFile::Mode::Append;
     bool mReopenPending = false;
-    bool mMovePreviousRun = false; ///< the first opening is still to come
+    bool mMovePreviousRun = false;
+    bool mHasMoved = false;  ///< what a previous run left
+    bool mHasOpened = false; ///< the current file, at any time
     const bool mKeepWhileFailed;
     bool mWriteFailureReported = false;
     std::deque<std::string> mKeptLines;

@@ -35,9 +35,9 @@ public:
     /// Forgets what is not written.
     void discard();
     /// The size that the file will have when all that it took is written.
-    std::int64_t position() const {
-        return mWritten + static_cast<std::int64_t>(mBuffer.size() - mTorn);
-    }
+    std::int64_t position() const { return mWritten + static_cast<std::int64_t>(unwritten()); }
+    /// Bytes that the system has not got yet.
+    std::size_t unwritten() const { return mBuffer.size() - mTorn; }
 
 private:
     platform::AppendFile mFile;

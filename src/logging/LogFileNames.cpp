@@ -5,17 +5,22 @@ namespace {
 
 constexpr std::string_view kExtension = ".txt";
 
-std::string olderName(std::string name) {
+std::string withoutExtension(std::string name) {
     if (name.ends_with(kExtension)) {
         name.resize(name.size() - kExtension.size());
     }
-    return name + "1.txt";
+    return name;
+}
+
+std::string olderName(const std::string& name) {
+    return withoutExtension(name) + "1.txt";
 }
 
 } // namespace
 
 LogFileNames::LogFileNames(const std::string& folder, const std::string& currentName)
-    : current(folder + currentName),
+    : lock(folder + withoutExtension(currentName) + ".lock"),
+      current(folder + currentName),
       older(folder + olderName(currentName)),
       header(folder + "current_log_header.txt"),
       lastRunCurrent(folder + "last_run_" + currentName),

@@ -11,7 +11,8 @@ namespace tarn {
 /// Full paths of all files that a file logger knows of. The previous run's names have "last_run_"
 /// in front.
 struct LogFileNames {
-    /// `folder` ends with a separator, `currentName` is "current_log.txt" unless replaced.
+    /// `folder` ends with a separator, or with what stands before each name; `currentName` is
+    /// "current_log.txt" unless replaced.
     LogFileNames(const std::string& folder, const std::string& currentName);
 
     /// (source, target) pairs that put a previous run's files aside, in order.
@@ -19,6 +20,7 @@ struct LogFileNames {
     /// What clearing the logs removes, in order. The current file is emptied instead.
     std::vector<std::string> clearedFiles() const;
 
+    std::string lock; ///< held by the run that has these files
     std::string current;
     std::string older; ///< the current name with 1 before ".txt"
     std::string header;

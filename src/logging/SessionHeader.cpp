@@ -1,5 +1,6 @@
 #include "logging/SessionHeader.h"
 
+#include "platform/AppendFile.h"
 #include "platform/Files.h"
 
 #include <fstream>
@@ -9,12 +10,13 @@ namespace tarn {
 
 void saveSessionHeader(const std::string& currentLogFile, const std::string& headerFile) {
     std::ifstream log(platform::nativePath(currentLogFile), std::ios::binary);
-    std::ofstream header(platform::nativePath(headerFile), std::ios::binary | std::ios::trunc);
     // Zeroed, because the read may come back short.
     std::vector<char> beginning(kSessionHeaderBytes);
     log.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
-    header << kSessionHeaderText;
-    header.write(beginning.data(), static_cast<std::streamsize>(beginning.size()));
+    platform::AppendFile header;
+    header.open(headerFile, platform::AppendFile::Existing::Emptied);
+    header.write(kSessionHeaderText);
+    header.write({beginning.data(), beginning.size()});
     header.close();
 }
 

@@ -33,7 +33,8 @@ TEST_F(FileLoggerTest, PutsThePreviousRunAsideAndClearsEveryFileOfItsOwn) {
     }
     logNumbered(*logger, 0, 2);
     logger->clearLogs();
-    EXPECT_THAT(files->getFiles(logs), ::testing::ElementsAre("current_log.txt", "foreign.txt"));
+    EXPECT_THAT(files->getFiles(logs),
+                ::testing::ElementsAre("current_log.lock", "current_log.txt", "foreign.txt"));
     log(*logger, "new");
     logger->close();
     log(*logger, "too late");
@@ -62,12 +63,47 @@ TEST_F(FileLoggerTest, FlushesEverySecondLineOfTheProcess) {
     const bool isFlushed = !content("current_log.txt").empty();
     log(*first, "b");
     EXPECT_EQ(content("current_log.txt"), isFlushed ? "a\n" : "a\nb\n");
-    // The turn passes from one logger to the next: here the third line of the process.
+    // The turn passes from one logger to the next, and may always come to the first.
     SettingsTable::ofProcess().set("/logFile", "second.txt");
     const auto second = startLogger();
     SettingsTable::ofProcess().remove("/logFile");
     log(*second, "c");
     EXPECT_EQ(content("second.txt"), isFlushed ? "c\n" : "");
+    log(*first, "d");
+    for (int number = 0; number < 2000; ++number) {
+        log(isFlushed ? *first : *second, "takes the turn");
+        logNumbered(isFlushed ? *second : *first, 0, 1);
+    }
+    EXPECT_GE(files->getFileSize(path(isFlushed ? "second.txt" : "current_log.txt")), 130'000);
+}
+
+TEST_F(FileLoggerTest, GivesEachOfSeveralRunsFilesOfItsOwnAndLosesNoLine) {
+    folder.write("Logs/current_log.txt", "the run before");
+    std::vector<std::shared_ptr<FileLogger>> runs;
+    for (const std::string prefix : {"", "run2_", "run3_"}) {
+        runs.push_back(startLogger(prefix != "run2_"));
+        log(*runs.back(), "first of " + prefix);
+        runs.back()->flush();
+        EXPECT_EQ(content(prefix + "current_log.txt"), "first of " + prefix + "\n");
+    }
+    log(*runs[0], "second");
+    logNumbered(*runs[1], 0, 5001);
+    runs[1].reset(); // its files are free: the next run puts them aside
+    log(*startLogger(), "the next run");
+    runs[0]->flush();
+    EXPECT_EQ(content("current_log.txt"), "first of \nsecond\n");
+    EXPECT_EQ(content("last_run_current_log.txt"), "the run before");
+    EXPECT_EQ(content("run2_current_log.txt"), "the next run\n");
+    EXPECT_EQ(content("run2_last_run_current_log.txt"), numberedLines(4999, 2));
+    std::string names;
+    for (const std::string& file : existingLogFiles(*files, logs, "current_log.txt")) {
+        EXPECT_TRUE(files->exists(file));
+        names += files->fileNameOfPath(file) + " ";
+    }
+    EXPECT_EQ(names,
+              "current_log.txt last_run_current_log.txt run2_current_log.txt "
+              "run2_last_run_current_log.txt run2_last_run_current_log1.txt "
+              "run2_last_run_current_log_header.txt run3_current_log.txt ");
 }
 
 TEST_F(FileLoggerTest, KeepsTheNewestFiveThousandLinesUntilTheFolderCanBeWritten) {
@@ -75,6 +111,7 @@ TEST_F(FileLoggerTest, KeepsTheNewestFiveThousandLinesUntilTheFolderCanBeWritten
         // Its folder is away, say on a drive: what the previous run left must survive, too.
         const std::string previousRun = "previous run " + std::to_string(hours);
         folder.write("Logs/current_log.txt", previousRun);
+        folder.write("Logs/current_log1.txt", previousRun + ", older");
         ASSERT_TRUE(files->moveDirectory(logs, folder / "away"));
         folder.write("Logs", "a file in the folder's place");
         CaptureStderr();
@@ -91,12 +128,14 @@ TEST_F(FileLoggerTest, KeepsTheNewestFiveThousandLinesUntilTheFolderCanBeWritten
         logger->flush();
         expectContent("current_log.txt", numberedLines(2, 5000));
         EXPECT_EQ(content("last_run_current_log.txt"), previousRun);
+        EXPECT_EQ(content("last_run_current_log1.txt"), previousRun + ", older");
     }
 }
 
 TEST_F(FileLoggerTest, CopiesTheCurrentFileAsideWhenItCannotBeRenamedAndElseLetsItGrow) {
     class UnrenamableFiles : public FileUtils {
     public:
+        bool rename(const std::string&, const std::string&) const override { return false; }
         bool renameWithMessage(const std::string&, const std::string&,
                                std::string* reason) const override {
             *reason = "in use";
@@ -109,7 +148,11 @@ TEST_F(FileLoggerTest, CopiesTheCurrentFileAsideWhenItCannotBeRenamedAndElseLets
     };
     const auto unrenamable = std::make_shared<UnrenamableFiles>();
     CaptureStderr();
-    const auto logger = startLogger(true, unrenamable);
+    folder.write("Logs/current_log.txt", "the run before\n");
+    startLogger(true, unrenamable);
+    EXPECT_EQ(content("current_log.txt"), "the run before\n");
+    const auto logger = startLogger(false, unrenamable);
+    logger->clearLogs();
     logNumbered(*logger, 0, 10000);
     logger->flush();
     expectContent("current_log.txt", numberedLines(0, 10000));
@@ -118,8 +161,14 @@ TEST_F(FileLoggerTest, CopiesTheCurrentFileAsideWhenItCannotBeRenamedAndElseLets
     logger->flush();
     expectContent("current_log1.txt", numberedLines(0, 10000));
     expectContent("current_log.txt", numberedLines(10000, 1));
+    unrenamable->canCopy = false;
+    logNumbered(*logger, 0, 5000);
+    logger->clearLogs();
+    unrenamable->canCopy = true;
+    logNumbered(*logger, 0, 5001);
+    expectContent("current_log1.txt", numberedLines(0, 5000));
     const std::string report = "Failed to rename log file. in use\n";
-    EXPECT_EQ(GetCapturedStderr(), report + report);
+    EXPECT_EQ(GetCapturedStderr(), report + report + report + report);
 }
 
 } // namespace
