@@ -4,40 +4,32 @@
 #include "launcher/Texts.h"
 #include "logging/LogArchive.h"
 #include "logging/LogCall.h"
-#include "logging/LogFileNames.h"
 #include "logging/LogLocations.h"
 #include "logging/LogSetup.h"
 #include "logging/RootLogger.h"
+#include "logging/RunSlot.h"
 #include "platform/Files.h"
 #include "platform/Terminal.h"
 #include "utils/FileUtils.h"
 
+#include <exception>
 #include <memory>
-#include <stdexcept>
 
 namespace launcher {
 namespace {
 
-tarn::LogArchive::Files existingLogFiles(const tarn::IFileUtils& files) {
-    const tarn::LogFileNames names(files.joinPath(tarn::toolLogFolder(), ""),
-                                   tarn::currentLogFileName());
-    tarn::LogArchive::Files existing;
-    for (const std::string& path : {names.current, names.older, names.header, names.lastRunCurrent,
-                                    names.lastRunOlder, names.lastRunHeader}) {
-        if (files.exists(path)) {
-            existing.emplace_back(files.fileNameOfPath(path), path);
-        }
-    }
-    return existing;
-}
-
 tarn::ZipResult makeArchive(const std::shared_ptr<tarn::FileUtils>& files,
                             const std::string& destination) {
     try {
-        const tarn::LogArchive archive(files, destination);
-        archive.collect(existingLogFiles(*files));
+        tarn::LogArchive::Files logs;
+        for (const std::string& path :
+             tarn::existingLogFiles(*files, tarn::toolLogFolder(), tarn::currentLogFileName())) {
+            logs.emplace_back(files->fileNameOfPath(path), path);
+        }
+        tarn::LogArchive archive(files, destination);
+        archive.collect(logs);
         return archive.write();
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         TARN_LOG(tarn::RootLoggerLevel::Error,
                  "Log archive failed, with exception: " << error.what());
         return {.level = tarn::RootLoggerLevel::Error, .errorCode = 0, .text = error.what()};

@@ -6,6 +6,7 @@
 #include "platform/KnownFolders.h"
 #include "platform/Library.h"
 #include "platform/Text.h"
+#include "utils/FileNames.h"
 #include "utils/FileUtils.h"
 
 #include <algorithm>
@@ -44,7 +45,7 @@ Objection checkDestination(const std::string& destination) {
         return "The destination " + inQuotes(destination) +
                " must end in .mp4: give its name last.";
     }
-    const std::string folder = files.directoryOfPath(destination);
+    const std::string folder = tarn::fileNames::parentOf(destination);
     if (!files.dirExists(folder)) {
         return "There is no folder " + inQuotes(folder) + " for the destination: make it first.";
     }

@@ -3,8 +3,23 @@
 #include "logging/LogCall.h"
 
 #include <exception>
+#include <string>
 
 namespace tarn {
+namespace {
+
+/// The text of the exception that is being handled.
+std::string currentFailure() {
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        return exception.what();
+    } catch (...) {
+        return "unknown";
+    }
+}
+
+} // namespace
 
 void FileLogger::archiveLogs(const std::shared_ptr<IFileUtils>& fileUtils,
                              const std::string& destination, const PathPairs& files) {
@@ -15,14 +30,14 @@ void FileLogger::archiveLogs(const std::shared_ptr<IFileUtils>& fileUtils,
         mArchiveExecutor([archive] {
             try {
                 archive->write();
-            } catch (const std::exception& exception) {
+            } catch (...) {
                 TARN_LOG(RootLoggerLevel::Error,
-                         "Log archive failed in callback, with exception: " << exception.what());
+                         "Log archive failed in callback, with exception: " << currentFailure());
             }
         });
-    } catch (const std::exception& exception) {
+    } catch (...) {
         TARN_LOG(RootLoggerLevel::Error,
-                 "Log archive failed, with exception: " << exception.what());
+                 "Log archive failed, with exception: " << currentFailure());
     }
 }
 

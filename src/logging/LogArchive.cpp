@@ -1,16 +1,26 @@
 #include "logging/LogArchive.h"
 
 #include "logging/LogCall.h"
+#include "platform/Files.h"
+#include "platform/PrivateFile.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
+#include <cerrno>
 #include <stdexcept>
+#include <utility>
 
 namespace tarn {
 namespace {
 
 constexpr const char* kFamily = "logArchive";
+constexpr const char* kLeftovers = "logArchive*";
+constexpr const char* kWorkFolder = "logArchive-";
+
+/// An archive that is being written, or that was when its program ended.
+bool isUnfinished(const std::string& name) {
+    return name.starts_with(kFamily) && name.ends_with(platform::PrivateFile::kEnding);
+}
 
 /// In UTC, so that the order of the names is the order of time when the clocks change, too.
 std::string archiveName(std::chrono::system_clock::time_point now) {
@@ -48,34 +58,39 @@ LogArchive::LogArchive(std::shared_ptr<IFileUtils> fileUtils, std::string destin
                        std::chrono::system_clock::time_point now)
     : mFileUtils(std::move(fileUtils)),
       mDestination(withoutSeparator(std::move(destination), *mFileUtils)),
-      mWorkFolder(mFileUtils->joinPath(mDestination, kFamily)),
       mArchive(mFileUtils->joinPath(mDestination, archiveName(now))) {
 }
 
-void LogArchive::collect(const Files& files) const {
+LogArchive::~LogArchive() {
+    removeWorkFolder();
+}
+
+void LogArchive::collect(const Files& files) {
     TARN_LOG(RootLoggerLevel::Debug, "Starting log archiving.");
     if (mDestination.empty()) {
         // Joined with a name it would mean the working folder.
         throw std::runtime_error("no destination folder is given");
     }
-    clearWorkFolder();
-    if (!mFileUtils->mkdirIfNotExists(mWorkFolder)) {
-        throw std::runtime_error("cannot make the folder " + mWorkFolder);
+    removeLeftovers();
+    mWorkFolder = platform::OpenFolder::makePrivate(mDestination, kWorkFolder);
+    if (mWorkFolder == nullptr) {
+        throw std::runtime_error("cannot make a folder in " + mDestination);
     }
     if (copyFiles(files) == 0) {
-        clearWorkFolder();
+        removeWorkFolder();
         throw std::runtime_error("none of the files can be archived");
     }
 }
 
 std::size_t LogArchive::copyFiles(const Files& files) const {
-    const std::string prefix = mFileUtils->joinPath(mWorkFolder, "");
     std::size_t copied = 0;
     for (const auto& [name, path] : files) {
         if (!isPlainName(name)) {
             TARN_LOG(RootLoggerLevel::Error, "Refused to archive under the name: " << name);
-        } else if (!mFileUtils->copyFile(path, mFileUtils->getUniqueDownloadPath(prefix, name))) {
-            TARN_LOG(RootLoggerLevel::Error, "Failed to copy: " << path);
+        } else if (!copyFile(path, name)) {
+            const std::uint32_t error = platform::lastFileError();
+            TARN_LOG(RootLoggerLevel::Error,
+                     "Failed to copy: " << path << ", errorCode: " << error);
         } else {
             ++copied;
         }
@@ -83,17 +98,44 @@ std::size_t LogArchive::copyFiles(const Files& files) const {
     return copied;
 }
 
-void LogArchive::clearWorkFolder() const {
-    // A file may stand in the folder's place.
-    mFileUtils->remove(mWorkFolder);
-    mFileUtils->removeNonEmptyDir(mWorkFolder);
+bool LogArchive::copyFile(const std::string& path, const std::string& name) const {
+    const auto [stem, extension] = mFileUtils->splitExtension(mFileUtils->sanitizeFileName(name));
+    std::string free = stem + extension;
+    for (int number = 1; !mWorkFolder->copyIn(path, free); ++number) {
+        if (errno != EEXIST) {
+            return false;
+        }
+        free = stem + "(" + std::to_string(number) + ")" + extension;
+    }
+    return true;
 }
 
-ZipResult LogArchive::write() const {
+void LogArchive::removeWorkFolder() noexcept {
+    if (const auto folder = std::exchange(mWorkFolder, nullptr); folder != nullptr) {
+        folder->removeAll();
+    }
+}
+
+/// Of runs that were interrupted. What somebody else made, or uses, stays.
+void LogArchive::removeLeftovers() const {
+    for (const auto& entry : platform::listFolder(mDestination, kLeftovers)
+                                 .value_or(std::vector<platform::FolderEntry>())) {
+        const std::string path = mFileUtils->joinPath(mDestination, entry.name);
+        if (entry.isFolder && entry.name.starts_with(kWorkFolder)) {
+            if (const auto leftover = platform::OpenFolder::openLeftover(path)) {
+                leftover->removeAll();
+            }
+        } else if (isUnfinished(entry.name)) {
+            platform::removeLeftoverFile(path);
+        }
+    }
+}
+
+ZipResult LogArchive::write() {
     TARN_LOG(RootLoggerLevel::Debug,
              "Attempting to generate zip file: " << mArchive << " ignoreRoot: true");
-    ZipResult result = zipFolder(mWorkFolder, mArchive, true);
-    clearWorkFolder();
+    ZipResult result = zipFolder(mWorkFolder->path(), mArchive, true, ExistingArchive::Kept);
+    removeWorkFolder();
     prune();
     TARN_LOG(RootLoggerLevel::Debug, "Log archiving finished.");
     return result;
@@ -101,7 +143,9 @@ ZipResult LogArchive::write() const {
 
 void LogArchive::prune() const {
     auto names = mFileUtils->getFiles(mDestination);
-    std::erase_if(names, [](const std::string& name) { return !name.starts_with(kFamily); });
+    std::erase_if(names, [](const std::string& name) {
+        return !name.starts_with(kFamily) || isUnfinished(name);
+    });
     std::ranges::sort(names);
     for (std::size_t index = 0; index + kKeptArchives < names.size(); ++index) {
         mFileUtils->remove(mFileUtils->joinPath(mDestination, names[index]));

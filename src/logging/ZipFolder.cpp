@@ -4,127 +4,162 @@
 #include "logging/ZipEntryNames.h"
 #include "logging/ZipWriter.h"
 #include "platform/Files.h"
+#include "platform/KnownFolders.h"
+#include "platform/OpenFolder.h"
+#include "platform/PrivateFile.h"
+#include "platform/ReadFile.h"
 #include "utils/FileNames.h"
 #include "utils/FileUtils.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <fstream>
 
 namespace tarn {
 namespace {
 
-constexpr std::int64_t kTimeUnitsPerSecond = 10'000'000;
-/// Until it is complete, the archive's name says that it is not.
-constexpr const char* kUnfinished = ".part";
-
 ZipResult reported(const std::string& text) {
-    const int error = errno;
+    const std::uint32_t error = platform::lastFileError();
     TARN_LOG(RootLoggerLevel::Error, text << ", errorCode: " << error);
-    return {.level = RootLoggerLevel::Error, .errorCode = error, .text = text};
+    return {.level = RootLoggerLevel::Error, .errorCode = static_cast<int>(error), .text = text};
 }
 
+/// Beside others of the same second, and after them in the order of names: "a.zip", "a_2.zip".
+std::string numbered(const std::string& path, int number) {
+    const auto [stem, extension] = fileNames::splitExtension(fileNames::nameOf(path));
+    return number == 1
+               ? path
+               : fileNames::directoryOf(path) + stem + "_" + std::to_string(number) + extension;
+}
+
+/// Keeps the step that is under way; a failure is told by it.
 class FolderZip {
 public:
-    FolderZip(std::string folder, std::string outputFile, bool ignoreRoot)
+    FolderZip(std::string folder, std::string outputFile, bool ignoreRoot, ExistingArchive existing)
         : mFolder(std::move(folder)),
           mOutputFile(std::move(outputFile)),
-          mNames(ignoreRoot ? "" : fileNames::nameOf(mFolder)) {}
+          mNames(ignoreRoot ? "" : fileNames::nameOf(mFolder)),
+          mReplaces(existing == ExistingArchive::Replaced) {}
 
     ZipResult run() {
-        std::ofstream output;
-        ZipResult result = write(output);
-        output.close();
-        if (result.succeeded() && output.fail()) {
-            result = reported("closing: " + mOutputFile);
+        mStep = "opening file stream: " + mOutputFile;
+        const auto output = platform::PrivateFile::make(mOutputFile + ".");
+        if (output == nullptr || !write(output->stream())) {
+            return reported(mStep);
         }
-        if (result.succeeded()) {
-            result = finish();
-        }
-        if (!result.succeeded()) {
-            mFiles.remove(mOutputFile + kUnfinished);
-        }
-        return result;
-    }
-
-private:
-    ZipResult write(std::ofstream& output) {
-        output.open(platform::nativePath(mOutputFile + kUnfinished),
-                    std::ios::binary | std::ios::trunc);
-        if (!output) {
-            return reported("opening file stream: " + mOutputFile);
-        }
-        ZipWriter zip(output);
-        if (!zip.isOpen()) {
-            return reported("creating zipper from stream: " + mOutputFile);
-        }
-        const auto files = mFiles.getFilesRecursive(mFolder);
-        const std::size_t rootLength = mFiles.joinPath(mFolder, "").size();
-        TARN_LOG(RootLoggerLevel::Debug, "Adding to zip : " << mFolder);
-        for (const std::string& file : files) {
-            if (!add(zip, file, mNames.next(file.substr(rootLength)))) {
-                return reported("Failed to add: " + file);
-            }
-        }
-        if (!zip.close()) {
-            return reported("closing: " + mOutputFile);
+        mStep = "closing";
+        if (!output->close()) {
+            return reported(mStep);
         }
         TARN_LOG(RootLoggerLevel::Debug,
                  "Finished writing zip file, added " << mCount << " files.");
-        return {.level = RootLoggerLevel::Info, .errorCode = 0, .text = mOutputFile};
+        return finish(*output);
     }
 
-    /// False when the archive cannot be continued; a file that cannot be read does not prevent it.
-    bool add(ZipWriter& zip, const std::string& file, const std::string& name) {
-        const auto details = mFiles.getFileDetails(file);
-        std::ifstream content(platform::nativePath(file), std::ios::binary);
-        if (!details || !content) {
-            reported("Failed to open: " + file);
-            return true;
-        }
-        if (!zip.add(name, content, details->size, details->modified / kTimeUnitsPerSecond)) {
-            TARN_LOG(RootLoggerLevel::Error, "Error adding '" << name << "' to zip");
+private:
+    bool write(std::FILE* output) {
+        mStep = "creating zipper from stream: " + mOutputFile;
+        ZipWriter zip(output);
+        if (!zip.isOpen()) {
             return false;
         }
-        if (content.bad()) {
-            reported("Failed to add: " + file);
-            return true;
+        mStep = "getting files from dir: " + mFolder;
+        const auto folder = platform::OpenFolder::open(mFolder);
+        if (folder == nullptr) {
+            return false;
         }
-        ++mCount;
-        return true;
+        TARN_LOG(RootLoggerLevel::Debug, "Adding to zip : " << mFolder);
+        if (!addContents(zip, *folder, "")) {
+            return false;
+        }
+        mStep = "closing";
+        return zip.close();
     }
 
-    ZipResult finish() const {
-        // Not every system's renaming replaces.
-        mFiles.remove(mOutputFile);
-        mFiles.rename(mOutputFile + kUnfinished, mOutputFile);
-        if (!mFiles.exists(mOutputFile)) {
-            return reported("Failed to find output archive: " + mOutputFile);
+    /// False when the archive cannot be continued.
+    bool addContents(ZipWriter& zip, const platform::OpenFolder& folder,
+                     const std::string& relativePath) {
+        auto entries = folder.entries();
+        if (!entries) {
+            mStep = "getting files from dir: " + folder.path();
+            return false;
+        }
+        std::ranges::sort(*entries, {}, &platform::FolderEntry::name);
+        return std::ranges::all_of(*entries, [&](const platform::FolderEntry& entry) {
+            const std::string path = relativePath + entry.name;
+            if (!entry.isFolder) {
+                return addFile(zip, folder, entry.name, mNames.next(path));
+            }
+            const auto below = folder.folder(entry.name);
+            mStep = "getting files from dir: " + fileNames::join(folder.path(), entry.name);
+            return below != nullptr && addContents(zip, *below, path + platform::pathSeparator());
+        });
+    }
+
+    /// A file that cannot be read is told of and does not end the archive.
+    bool addFile(ZipWriter& zip, const platform::OpenFolder& folder, const std::string& fileName,
+                 const std::string& name) {
+        const std::string path = fileNames::join(folder.path(), fileName);
+        platform::ReadFile content(folder.openFile(fileName));
+        if (!content.isOpen()) {
+            reported("Failed to open: " + path);
+            return true;
+        }
+        mStep = "Failed to add: " + path;
+        switch (zip.add(name, content)) {
+            case ZipWriter::Result::Added:
+                ++mCount;
+                return true;
+            case ZipWriter::Result::ContentFailed:
+                reported(mStep);
+                return true;
+            case ZipWriter::Result::ZipFailed:
+                break;
+        }
+        const int error = errno;
+        TARN_LOG(RootLoggerLevel::Error, "Error adding '" << name << "' to zip");
+        errno = error;
+        return false;
+    }
+
+    ZipResult finish(platform::PrivateFile& output) const {
+        std::string path = mOutputFile;
+        for (int number = 2; !output.moveTo(path, mReplaces) && errno == EEXIST; ++number) {
+            path = numbered(mOutputFile, number);
+        }
+        if (!mFiles.exists(path)) {
+            return reported("Failed to find output archive: " + path);
         }
         TARN_LOG(RootLoggerLevel::Debug, "Zip file present");
-        const std::int64_t size = mFiles.getFileSize(mOutputFile);
+        const std::int64_t size = mFiles.getFileSize(path);
         if (size < 0) {
-            return reported("Failed to verify filesize: " + mOutputFile);
+            return reported("Failed to verify filesize: " + path);
         }
         TARN_LOG(RootLoggerLevel::Debug, "Zip file valid, " << size << " bytes.");
-        return {.level = RootLoggerLevel::Info, .errorCode = 0, .text = mOutputFile};
+        return {.level = RootLoggerLevel::Info, .errorCode = 0, .text = path};
     }
 
     const FileUtils mFiles;
     const std::string mFolder;
     const std::string mOutputFile;
     ZipEntryNames mNames;
+    const bool mReplaces;
+    std::string mStep;
     std::size_t mCount = 0;
 };
 
 } // namespace
 
-ZipResult zipFolder(const std::string& folder, const std::string& outputFile, bool ignoreRoot) {
+ZipResult zipFolder(const std::string& folder, const std::string& outputFile, bool ignoreRoot,
+                    ExistingArchive existing) {
     try {
-        return FolderZip(fileNames::withoutTrailingSeparators(folder), outputFile, ignoreRoot)
+        return FolderZip(fileNames::withoutTrailingSeparators(folder), outputFile, ignoreRoot,
+                         existing)
             .run();
     } catch (const std::exception& exception) {
         return reported(std::string("Exception encountered while zipping: ") + exception.what());
+    } catch (...) {
+        return reported("Exception encountered while zipping: unknown");
     }
 }
 

@@ -15,13 +15,13 @@ namespace {
 // is UTF-8; 4.4.15, on Unix the file's mode in the upper half.
 constexpr uLong kMadeBy = (3U << 8U) | 45U;
 constexpr uLong kUtf8Names = 1U << 11U;
-constexpr uLong kRegularFile = 0100644UL << 16U;
+constexpr uLong kPrivateFile = 0100600UL << 16U;
 /// Entries from here on use Zip64: the compressed size may exceed the other a little.
 constexpr std::uint64_t kZip64From = 0xF0000000U;
 constexpr std::size_t kBlock = 262'144;
 
-std::ostream& outputOf(void* opaque) {
-    return *static_cast<std::ostream*>(opaque);
+std::FILE* outputOf(void* stream) {
+    return static_cast<std::FILE*>(stream);
 }
 
 void* openStream(void* opaque, const void* /*name*/, int /*mode*/) {
@@ -33,28 +33,26 @@ uLong readStream(void* /*opaque*/, void* /*stream*/, void* /*buffer*/, uLong /*s
 }
 
 uLong writeStream(void* /*opaque*/, void* stream, const void* buffer, uLong size) {
-    std::ostream& output = outputOf(stream);
-    output.write(static_cast<const char*>(buffer), static_cast<std::streamsize>(size));
-    return output ? size : 0;
+    return static_cast<uLong>(std::fwrite(buffer, 1, size, outputOf(stream)));
 }
 
 ZPOS64_T tellStream(void* /*opaque*/, void* stream) {
-    return static_cast<ZPOS64_T>(outputOf(stream).tellp());
+    return static_cast<ZPOS64_T>(ftello64(outputOf(stream)));
 }
 
 long seekStream(void* /*opaque*/, void* stream, ZPOS64_T offset, int origin) {
-    const auto from = origin == ZLIB_FILEFUNC_SEEK_CUR   ? std::ios::cur
-                      : origin == ZLIB_FILEFUNC_SEEK_END ? std::ios::end
-                                                         : std::ios::beg;
-    return outputOf(stream).seekp(static_cast<std::streamoff>(offset), from) ? 0 : -1;
+    const int from = origin == ZLIB_FILEFUNC_SEEK_CUR   ? SEEK_CUR
+                     : origin == ZLIB_FILEFUNC_SEEK_END ? SEEK_END
+                                                        : SEEK_SET;
+    return fseeko64(outputOf(stream), static_cast<std::int64_t>(offset), from);
 }
 
 int closeStream(void* /*opaque*/, void* stream) {
-    return outputOf(stream).flush() ? 0 : -1;
+    return std::fflush(outputOf(stream));
 }
 
 int testStream(void* /*opaque*/, void* stream) {
-    return outputOf(stream) ? 0 : -1;
+    return std::ferror(outputOf(stream));
 }
 
 /// The format's own time is local, in steps of two seconds, and begins with 1980.
@@ -85,7 +83,7 @@ std::vector<char> exactTime(std::int64_t modified) {
 
 } // namespace
 
-ZipWriter::ZipWriter(std::ostream& output) : mBlock(kBlock) {
+ZipWriter::ZipWriter(std::FILE* output) : mBlock(kBlock) {
     zlib_filefunc64_def functions{};
     functions.zopen64_file = openStream;
     functions.zread_file = readStream;
@@ -94,7 +92,7 @@ ZipWriter::ZipWriter(std::ostream& output) : mBlock(kBlock) {
     functions.zseek64_file = seekStream;
     functions.zclose_file = closeStream;
     functions.zerror_file = testStream;
-    functions.opaque = &output;
+    functions.opaque = output;
     mZip = zipOpen2_64("", APPEND_STATUS_CREATE, nullptr, &functions);
 }
 
@@ -102,33 +100,34 @@ ZipWriter::~ZipWriter() {
     close();
 }
 
-bool ZipWriter::add(const std::string& name, std::istream& content, std::uint64_t size,
-                    std::int64_t modified) {
+ZipWriter::Result ZipWriter::add(const std::string& name, platform::ReadFile& content) {
+    const std::int64_t modified = content.modified();
     zip_fileinfo info{};
     info.tmz_date = zipTime(modified);
-    info.external_fa = kRegularFile;
+    info.external_fa = kPrivateFile;
     const auto extra = exactTime(modified);
     const auto extraSize = static_cast<uInt>(extra.size());
     if (name.size() > std::numeric_limits<std::uint16_t>::max() ||
         zipOpenNewFileInZip4_64(mZip, name.c_str(), &info, extra.data(), extraSize, extra.data(),
                                 extraSize, nullptr, Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0,
                                 -MAX_WBITS, DEF_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, kMadeBy,
-                                kUtf8Names, size >= kZip64From ? 1 : 0) != ZIP_OK) {
-        return false;
+                                kUtf8Names, content.size() >= kZip64From ? 1 : 0) != ZIP_OK) {
+        return Result::ZipFailed;
     }
-    const bool written = writeContent(content);
-    return zipCloseFileInZip(mZip) == ZIP_OK && written;
+    const Result written = writeContent(content);
+    return zipCloseFileInZip(mZip) == ZIP_OK ? written : Result::ZipFailed;
 }
 
-bool ZipWriter::writeContent(std::istream& content) {
-    while (content) {
-        content.read(mBlock.data(), static_cast<std::streamsize>(mBlock.size()));
-        const auto count = static_cast<unsigned>(content.gcount());
-        if (count > 0 && zipWriteInFileInZip(mZip, mBlock.data(), count) != ZIP_OK) {
-            return false;
+ZipWriter::Result ZipWriter::writeContent(platform::ReadFile& content) {
+    while (true) {
+        const std::ptrdiff_t count = content.read(mBlock.data(), mBlock.size());
+        if (count <= 0) {
+            return count == 0 ? Result::Added : Result::ContentFailed;
+        }
+        if (zipWriteInFileInZip(mZip, mBlock.data(), static_cast<unsigned>(count)) != ZIP_OK) {
+            return Result::ZipFailed;
         }
     }
-    return true;
 }
 
 bool ZipWriter::close() {
