@@ -4,7 +4,8 @@
 //
 // The actions, separated by blanks, run in order on the GUI thread, each as soon as it can:
 // await=VIEW until it is shown, after=N milliseconds, escape the key, close the controller's slot,
-// quit the event loop, print the views, modules the files that the process has mapped.
+// quit the event loop, print the window and its views, modules the files that the process has
+// mapped.
 
 #include "platform/Library.h"
 #include "platform/Text.h"
@@ -30,6 +31,8 @@ QQuickWindow* toast() {
 }
 
 void print() {
+    std::cout << "window " << toast()->isExposed() << ' ' << toast()->opacity() << ' '
+              << toast()->screen()->geometry().contains(toast()->geometry()) << std::endl;
     for (const char* const name : {"viewStart", "viewFinish", "viewError"}) {
         const auto* const view = toast()->findChild<QQuickItem*>(name);
         std::cout << name << ' ' << view->isVisible() << ' '

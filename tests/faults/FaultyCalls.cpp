@@ -3,9 +3,10 @@
 //
 //   CALL PATH-PART FIRST LAST ACTION
 //
-// CALL is one of open, read, write, fsync, close, rename, unlink; reads and writes at a position
-// count too. From the FIRST to the LAST such call on a path that holds PATH-PART (counted from 1,
-// LAST 0: for ever) ACTION happens instead: an errno number, "short", or "kill".
+// CALL is one of open, read, write, fsync, flush (a part), close, rename, unlink; those at a
+// position, or in a folder that is open, count too. From the FIRST to the LAST such call on a path
+// that holds PATH-PART (counted from 1, LAST 0: for ever) ACTION happens instead: an errno number,
+// "short", or "kill".
 
 #include <atomic>
 #include <cerrno>
@@ -123,6 +124,10 @@ int fsync(int file) {
     return call<int>("fsync", faultOf("fsync", file), file);
 }
 
+int sync_file_range(int file, off_t at, off_t size, unsigned int flags) {
+    return call<int>("sync_file_range", faultOf("flush", file), file, at, size, flags);
+}
+
 int close(int file) {
     // As the system does it: the file is closed whatever close() says.
     const int fault = faultOf("close", file);
@@ -134,8 +139,17 @@ int rename(const char* from, const char* to) noexcept {
     return call<int>("rename", faultOf("rename", from), from, to);
 }
 
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+              unsigned int flags) noexcept {
+    return call<int>("renameat2", faultOf("rename", from), fromFolder, from, toFolder, to, flags);
+}
+
 int unlink(const char* path) noexcept {
     return call<int>("unlink", faultOf("unlink", path), path);
+}
+
+int unlinkat(int folder, const char* path, int flags) noexcept {
+    return call<int>("unlinkat", faultOf("unlink", path), folder, path, flags);
 }
 
 int open(const char* path, int flags, ...) {
@@ -144,5 +158,13 @@ int open(const char* path, int flags, ...) {
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return call<int>("open", faultOf("open", path), path, flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return call<int>("openat", faultOf("open", path), folder, path, flags, mode);
 }
 }

@@ -27,6 +27,7 @@ LAUNCHER = BUILD / ("bin/record-converter" + (".exe" if WINE else ""))
 RUNTIME = BUILD / "runtime"
 FAKES = BUILD / "tests/fake-engines"
 RECORDINGS = BUILD / "tests/recordings"
+REPLACE = []  # what lets a run replace an older destination
 PATIENCE = 120  # seconds; a machine under load is no fault
 KILLED = 128 + signal.SIGKILL
 
@@ -88,13 +89,18 @@ class Program:
         self.status = status if status >= 0 else 128 - status
         return self.status
 
-    def await_text(self, text, count=1, patience=PATIENCE):
-        """Waits until one of the outputs holds a text."""
+    def await_that(self, condition, what, patience=PATIENCE):
+        """Waits while the program runs."""
         limit = time.monotonic() + patience
-        while (self.output + self.errors).count(text) < count:
+        while not condition():
             if not self.is_running() or time.monotonic() > limit:
-                raise AssertionError(f"never said {text!r}: {self}")
+                raise AssertionError(f"never {what}: {self}")
             time.sleep(0.01)
+
+    def await_text(self, text, count=1):
+        """Waits until one of the outputs holds a text."""
+        found = lambda: (self.output + self.errors).count(text) >= count  # noqa: E731
+        self.await_that(found, f"said {text!r}")
 
     def signal(self, number):
         """To the whole group. A program that has ended by itself is not missed."""

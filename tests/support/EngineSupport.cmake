@@ -1,4 +1,4 @@
-# Stand-ins for the engine's libraries, and what starts programs.
+# Stand-ins for the engine's libraries.
 # record_converter_fake_library(FOLDER NAME SOURCE [DEFINITION...])
 # Builds a stand-in library, as NAME is called on this system, into a folder of its own beside the
 # test programs.
@@ -36,11 +36,6 @@ record_converter_fake_library(failing-factory mediaconverter FakeEngine.cpp
     FAKE_FACTORY_RESULT=0x1000)
 record_converter_fake_library(no-instance mediaconverter FakeEngine.cpp FAKE_STORES_NOTHING)
 
-if(WIN32)
-    set(support_platform windows)
-else()
-    set(support_platform linux)
-endif()
 record_converter_library(rc_engine_test_support
-    SOURCES FakeLibraries.cpp TemporaryFolder.cpp ${support_platform}/ProcessRunner.cpp
+    SOURCES FakeLibraries.cpp TemporaryFolder.cpp
     LINK rc_utils rc_platform rc_test_support)

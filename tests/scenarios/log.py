@@ -1,0 +1,101 @@
+#!/usr/bin/env python3
+"""What a whole run leaves in the log."""
+import os
+import pwd
+import re
+import shutil
+import signal
+import time
+from datetime import datetime, timezone
+
+from program import FAKES, RECORDINGS, REPLACE, WINE, Case, linux_only, main
+
+LINE = re.compile(  # time <Level> [process:thread][name]File:line function:tag:message
+    r"(?P<time>\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ) <(Debug|Info|Warn|Error)> "
+    r"\[(?P<process>\d+):(?P<thread>0x[0-9a-f]+)\]\[(?P<name>[^]]*)\]"
+    r"(?P<file>[^ :]*):\d+ [^:]*(::[^:]+)*:[^:]*:.*"
+)
+
+
+class Log(Case):
+    def assert_lines_of(self, run, begin, end):
+        """Every line is of this run: of its time, its process and the threads that it had."""
+        threads = {}
+        for line in self.log_lines():
+            found = LINE.fullmatch(line)
+            self.assertTrue(found, line)
+            logged = datetime.strptime(found["time"], "%Y-%m-%dT%H:%M:%SZ")
+            logged = logged.replace(tzinfo=timezone.utc).timestamp()
+            self.assertTrue(int(begin) <= logged <= end, line)
+            place = found["file"] if not found["name"] else "worker"
+            threads.setdefault(place, set()).add(found["thread"])
+            if not WINE:
+                self.assertEqual(int(found["process"]), run.process.pid, line)
+        for one in ("RootLogger", "LibraryLoader", "MediaConverter", "TerminalConversion"):
+            self.assertEqual(threads[one], threads["Launcher"])
+        if not WINE:
+            self.assertEqual(threads["Launcher"], {hex(run.process.pid)})
+        self.assertEqual(len(threads["worker"]), 1)
+        self.assertFalse(threads["Launcher"] & (threads["worker"] | threads["ZEL"]), threads)
+        self.assertFalse(threads["worker"] & threads["ZEL"], threads)
+
+    def test_every_line_has_the_run_s_time_and_threads_and_names_no_person(self):
+        user = pwd.getpwuid(os.getuid()).pw_name
+        source = self.folder / f"of {user}.mkv"
+        shutil.copy(RECORDINGS / "h264-aac.mkv", source)
+        for _ in range(2):
+            begin = time.time()
+            run = self.convert(*REPLACE, source)
+            self.assert_lines_of(run, begin, time.time())
+            self.assertNotIn(user, self.log())
+            self.assertNotIn("<Warn>", self.log())
+            self.assert_logged_in_order(
+                "Setting Log level to Debug",
+                "record-converter 1.",
+                "Loaded ",
+                "media converter instance is created successfully.",
+                'ZEL:0 ::Source "',
+                'of ********.mkv"',
+                "ZEL:0 ::Destination",
+                "FreeLibrary successfully",
+                "The conversion ends with status 0",
+            )
+        # The log of the run before is kept beside it.
+        self.assertIn("The conversion ends with status 0", self.log("last_run_current_log.txt"))
+
+    def test_lines_of_the_time_without_a_folder_are_written_once_there_is_one(self):
+        (self.data / "QuorellTarn").write_text("a file where the folder belongs")
+        script = self.write("script.mkv", "progress 10\nhold")
+        engine = ("--no-window", "--engine-folder", FAKES / "whole")
+        run = self.start(*engine, script, self.destination)
+        run.await_text("10 %")
+        (self.data / "QuorellTarn").unlink()
+        run.signal(signal.SIGINT)
+        self.assertEqual(run.wait(), 130)
+        self.assertIn("Failed to open log file at :", run.errors)
+        self.assertIn("Setting Log level to Debug", self.log_lines()[0])
+        for text in ("record-converter 1.", "The conversion ends with status 130"):
+            self.assertEqual(self.logged(text), 1)
+
+    def test_an_engine_that_crashes_takes_neither_recording_nor_earlier_lines_with_it(self):
+        script = self.write("script.mkv", "progress 10\nwrite part\ncrash")
+        run = self.on_fake("whole", "--delete-sources", script, self.destination)
+        # 1: a sanitizer has reported it; 3: as Windows ends a program that aborts.
+        self.assertIn(run.status, (128 + signal.SIGABRT, 3 if WINE else 1), run)
+        self.assertTrue(script.exists())
+        self.assertEqual(self.logged("record-converter 1."), 1)
+
+    @linux_only
+    def test_no_name_from_outside_forges_a_line_or_is_written_raw(self):
+        forged = "2024-05-01T09:30:05Z <Error> [1:0x1][]Forged:1 f::forged"
+        for name in (f"x\n{forged}\r\x1b[2J", "a|b:c.mkv", "\u2028.mkv", "n" * 250):
+            # The engine's own trace has the whole path in it.
+            run = self.terminal(self.write(name, "no recording"), self.destination)
+            self.assertEqual(run.status, 1, run)
+            for line in self.log_lines():
+                self.assertRegex(line, r"^(?!2024-)[-\d]{10}T[:\d]{8}Z <\w+> \[\d+:0x[0-9a-f]+\]")
+                self.assertNotRegex(line, "[\x00-\x08\x0b-\x1f\u2028]")
+
+
+if __name__ == "__main__":
+    main()
