@@ -1,6 +1,7 @@
 #include "app/QtMessageHandler.h"
 
 #include "logging/LogCall.h"
+#include "platform/Text.h"
 
 #include <QString>
 
@@ -24,16 +25,22 @@ tarn::RootLoggerLevel::Level levelOf(QtMsgType type) {
     return tarn::RootLoggerLevel::Error;
 }
 
+/// Qt writes the names of QML files in Latin-1; what names a file in UTF-8 stays as it is. In any
+/// other form no personal string would be found in it.
+std::string inUtf8(const char* name) {
+    return tarn::platform::isValidUtf8(name) ? name : QString::fromLatin1(name).toStdString();
+}
+
 std::string prefixOf(const QMessageLogContext& context) {
     std::string prefix;
     if (context.file != nullptr) {
-        prefix.append(context.file).append(": ");
+        prefix.append(inUtf8(context.file)).append(": ");
     }
     if (context.line != 0) {
         prefix.append(std::to_string(context.line)).append(", ");
     }
     if (context.function != nullptr) {
-        prefix.append(context.function).append(", ");
+        prefix.append(inUtf8(context.function)).append(", ");
     }
     return prefix;
 }

@@ -1,10 +1,13 @@
 #include "logging/LogSetup.h"
 
+#include "logging/ControlCharacters.h"
 #include "logging/FileLogger.h"
 #include "logging/LogLocations.h"
 #include "logging/RootLogger.h"
 #include "platform/Identity.h"
 #include "platform/KnownFolders.h"
+#include "platform/Text.h"
+#include "platform/Utf8.h"
 #include "utils/FileUtils.h"
 
 namespace tarn {
@@ -12,9 +15,27 @@ namespace {
 
 constexpr std::int64_t kLogFileSize = 100;
 
+/// A text that is no UTF-8 may also come as what others make of it.
+void blockListInEveryForm(const std::string& text) {
+    RootLogger& logger = RootLogger::getInstance();
+    logger.blockListString(text);
+    if (platform::isValidUtf8(text)) {
+        return;
+    }
+    std::string fromLatin1;
+    for (const char byte : text) {
+        platform::appendUtf8(fromLatin1, static_cast<unsigned char>(byte));
+    }
+    std::string writtenOut = text;
+    escapeControlCharacters(writtenOut);
+    for (std::string form : {fromLatin1, writtenOut, platform::toUtf8(platform::toWide(text))}) {
+        logger.blockListString(std::move(form));
+    }
+}
+
 void blockListWhenKnown(const std::optional<std::string>& text) {
     if (text && !text->empty()) {
-        RootLogger::getInstance().blockListString(*text);
+        blockListInEveryForm(*text);
     }
 }
 
@@ -38,8 +59,11 @@ void setUpLogging(PreviousRun previousRun) {
 void blockListPersonalData() {
     blockListWhenKnown(platform::computerName());
     blockListWhenKnown(platform::userName());
-    RootLogger::getInstance().blockListString(platform::profileFolder());
+    blockListInEveryForm(platform::profileFolder());
     blockListWhenKnown(platform::homePath());
+    for (const std::string& text : platform::otherPersonalTexts()) {
+        blockListWhenKnown(text);
+    }
 }
 
 } // namespace tarn

@@ -7,6 +7,7 @@
 namespace tarn {
 
 bool Scrubber::add(std::string text) {
+    std::ranges::transform(text, text.begin(), [this](char each) { return folded(each); });
     if (std::ranges::find(mEntries, text) != mEntries.end()) {
         return false;
     }
@@ -27,8 +28,13 @@ void Scrubber::indexEntries() {
         if (entry.size() < 2 || entry.find('*') != std::string::npos) {
             mAlwaysPossible |= bitOf(number);
         } else {
-            mBeginWith[static_cast<unsigned char>(entry[0])] |= bitOf(number);
-            mContinueWith[static_cast<unsigned char>(entry[1])] |= bitOf(number);
+            const auto isOf = [this](std::size_t byte, char letter) {
+                return folded(static_cast<char>(byte)) == letter;
+            };
+            for (std::size_t byte = 0; byte < mBeginWith.size(); ++byte) {
+                mBeginWith[byte] |= isOf(byte, entry[0]) ? bitOf(number) : 0;
+                mContinueWith[byte] |= isOf(byte, entry[1]) ? bitOf(number) : 0;
+            }
         }
     }
 }
@@ -62,13 +68,17 @@ void Scrubber::scrub(std::string& text) {
 
 /// No match of an entry without asterisks can touch a mask, so one pass finds them all.
 void Scrubber::replaceAll(std::string& text, const std::string& entry) {
-    std::size_t found = text.find(entry);
+    mFolded.resize(mIgnoresCase ? text.size() : 0);
+    std::ranges::transform(std::string_view(text).substr(0, mFolded.size()), mFolded.begin(),
+                           [this](char each) { return folded(each); });
+    const std::string& searched = mIgnoresCase ? mFolded : text;
+    std::size_t found = searched.find(entry);
     if (found == std::string::npos) {
         return;
     }
     mScratch.clear();
     std::size_t copied = 0;
-    for (; found != std::string::npos; found = text.find(entry, copied)) {
+    for (; found != std::string::npos; found = searched.find(entry, copied)) {
         mScratch.append(text, copied, found - copied).append(kMask);
         copied = found + entry.size();
     }
@@ -101,7 +111,7 @@ void Scrubber::replaceAllWithAsterisks(std::string& text, const std::string& ent
             ++read;
         }
         mScratch.push_back(next);
-        states.push_back(advance(states.back(), next));
+        states.push_back(advance(states.back(), folded(next)));
         if (states.back() == entry.size()) {
             mScratch.resize(mScratch.size() - entry.size());
             states.resize(states.size() - entry.size());

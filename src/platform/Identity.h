@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarn::platform {
 
@@ -11,6 +12,10 @@ std::optional<std::string> computerName();
 
 /// GetUserNameW; the user database's name of the effective user on Linux.
 std::optional<std::string> userName();
+
+/// What else names the person at the computer: on Linux the home folder of the user database, and
+/// name and home folder of the user who started the program by sudo and its like.
+std::vector<std::string> otherPersonalTexts();
 
 std::uint32_t processId();
 

@@ -1,9 +1,11 @@
 #include "app/EntryContext.h"
+#include "app/QtMessageHandler.h"
 #include "app/RunApplication.h"
 #include "recordconverter/ConverterLog.h"
 #include "support/ErrorWatch.h"
 #include "support/RecordingLogHook.h"
 
+#include <QString>
 #include <gmock/gmock.h>
 
 #include <stdexcept>
@@ -23,6 +25,29 @@ TEST(RunApplication, TurnsAnyExceptionIntoOneErrorLineAndMinusOne) {
     context.converterLog = std::make_shared<FailingLog>();
     EXPECT_EQ(runApplication(context, 0, nullptr), -1);
     EXPECT_THAT(log.lines(), testing::ElementsAre("<Error> unexpected error happen!"));
+}
+
+TEST(QtMessageHandler, WritesEachTypeAtItsLevelWithWhatIsKnownOfThePlace) {
+    const struct {
+        QtMsgType type;
+        QMessageLogContext context;
+        std::string line;
+    } messages[] = {
+        {QtDebugMsg, {}, "<Debug> Grüße"},
+        {QtInfoMsg,
+         {"/home/J\xF6rg/a.qml", 0, nullptr, "default"},
+         "<Info> /home/Jörg/a.qml: Grüße"},
+        {QtWarningMsg,
+         {"/home/Jörg/a.qml", 7, "f\xFC", "default"},
+         "<Warn> /home/Jörg/a.qml: 7, fü, Grüße"},
+        {QtCriticalMsg, {nullptr, 7, nullptr, "default"}, "<Error> 7, Grüße"},
+        {QtFatalMsg, {nullptr, 0, "f", "default"}, "<Error> f, Grüße"},
+    };
+    for (const auto& message : messages) {
+        const tarn::testing::RecordingLogHook log;
+        qtMessageHandler(message.type, message.context, QStringLiteral("Grüße"));
+        EXPECT_THAT(log.lines(), testing::ElementsAre(message.line));
+    }
 }
 
 } // namespace recordconverter::app::test

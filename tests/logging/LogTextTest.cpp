@@ -29,6 +29,15 @@ TEST(Scrubber, MasksLongestEntriesFirstAndEndsThoughAMaskIsPartOfAnEntry) {
         scrubber.scrub(scrubbed);
         EXPECT_EQ(scrubbed, expected);
     }
+    for (const bool ignoresCase : {false, true}) {
+        Scrubber other(ignoresCase);
+        EXPECT_TRUE(other.add("C:\\Users\\Jörg"));
+        EXPECT_EQ(other.add("c:\\users\\Jörg"), !ignoresCase);
+        std::string text = "C:\\Users\\Jörg C:\\USERS\\JöRG c:\\users\\JÖRG";
+        other.scrub(text);
+        EXPECT_EQ(text, ignoresCase ? "******** ******** c:\\users\\JÖRG"
+                                    : "******** C:\\USERS\\JöRG c:\\users\\JÖRG");
+    }
 }
 
 TEST(ControlCharacters, AreWrittenOutAndOrdinaryTextIsKept) {

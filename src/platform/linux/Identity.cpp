@@ -1,7 +1,10 @@
 #include "platform/Identity.h"
 
+#include "platform/KnownFolders.h"
+
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <csignal>
 #include <pwd.h>
@@ -9,6 +12,34 @@
 #include <unistd.h>
 
 namespace tarn::platform {
+
+namespace {
+
+using Buffer = std::array<char, 16384>;
+
+/// Looks a user up in the database.
+template <typename Key>
+std::optional<passwd> find(int (*lookUp)(Key, passwd*, char*, std::size_t, passwd**), Key key,
+                           Buffer& buffer) {
+    passwd entry{};
+    passwd* found = nullptr;
+    const bool isFound =
+        lookUp(key, &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr;
+    return isFound ? std::optional(entry) : std::nullopt;
+}
+
+/// The user whom a variable names or numbers.
+std::optional<passwd> findInvoker(const char* variable, Buffer& buffer) {
+    const std::string value = environmentVariable(variable).value_or("");
+    uid_t number = 0;
+    const auto* const end = value.data() + value.size();
+    if (std::from_chars(value.data(), end, number).ptr == end && !value.empty()) {
+        return find<uid_t>(getpwuid_r, number, buffer);
+    }
+    return find<const char*>(getpwnam_r, value.c_str(), buffer);
+}
+
+} // namespace
 
 std::optional<std::string> computerName() {
     std::array<char, HOST_NAME_MAX + 1> name{};
@@ -19,14 +50,25 @@ std::optional<std::string> computerName() {
 }
 
 std::optional<std::string> userName() {
-    std::array<char, 16384> buffer{};
-    passwd entry{};
-    passwd* found = nullptr;
-    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
-        found == nullptr) {
-        return std::nullopt;
+    Buffer buffer;
+    const auto entry = find<uid_t>(getpwuid_r, geteuid(), buffer);
+    return entry ? std::optional<std::string>(entry->pw_name) : std::nullopt;
+}
+
+std::vector<std::string> otherPersonalTexts() {
+    std::vector<std::string> texts;
+    Buffer buffer;
+    if (const auto entry = find<uid_t>(getpwuid_r, geteuid(), buffer)) {
+        texts.emplace_back(entry->pw_dir);
     }
-    return std::string(found->pw_name);
+    for (const char* variable : {"SUDO_USER", "SUDO_UID", "PKEXEC_UID", "DOAS_USER"}) {
+        if (const auto entry = findInvoker(variable, buffer)) {
+            texts.emplace_back(entry->pw_name);
+            texts.emplace_back(entry->pw_dir);
+        }
+    }
+    std::erase(texts, "/"); // of users who are no persons; it would hide every path
+    return texts;
 }
 
 std::uint32_t processId() {

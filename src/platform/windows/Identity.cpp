@@ -27,6 +27,10 @@ std::optional<std::string> userName() {
     return toUtf8({name.data(), size - 1}); // counted with its NUL
 }
 
+std::vector<std::string> otherPersonalTexts() {
+    return {};
+}
+
 std::uint32_t processId() {
     return GetCurrentProcessId();
 }
