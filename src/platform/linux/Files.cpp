@@ -11,14 +11,6 @@
 #include <unistd.h>
 
 namespace tarn::platform {
-namespace {
-
-std::int64_t inUnits(const timespec& time) {
-    return std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100;
-}
-
-} // namespace
-
 const char* systemPath(const std::string& path) {
     // A NUL inside would silently name another file; the empty path names none (ENOENT).
     return path.find('\0') == std::string::npos ? path.c_str() : "";

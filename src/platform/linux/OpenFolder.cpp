@@ -13,7 +13,7 @@ namespace tarn::platform {
 namespace {
 
 constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-constexpr int kTries = 100;
+constexpr int kNamesTried = 100;
 
 int numberOf(std::intptr_t handle) {
     return static_cast<int>(handle);
@@ -53,7 +53,7 @@ std::unique_ptr<OpenFolder> OpenFolder::makePrivate(const std::string& parent,
     const int above = ::open(systemPath(parent), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     int made = -1;
     std::string name;
-    for (int tries = 0; above >= 0 && made < 0 && tries < kTries; ++tries) {
+    for (int tries = 0; above >= 0 && made < 0 && tries < kNamesTried; ++tries) {
         name = unforeseeableName(prefix);
         if (mkdirat(above, name.c_str(), S_IRWXU) != 0) {
             if (errno != EEXIST) {

@@ -13,7 +13,7 @@
 namespace tarn::platform {
 namespace {
 
-constexpr int kTries = 100;
+constexpr int kFileNamesTried = 100;
 
 bool isLinked(int file) {
     struct stat status {};
@@ -31,7 +31,7 @@ bool moveWithoutReplacing(const char* from, const char* to) {
 } // namespace
 
 std::unique_ptr<PrivateFile> PrivateFile::make(const std::string& beginning) {
-    for (int tries = 0; tries < kTries; ++tries) {
+    for (int tries = 0; tries < kFileNamesTried; ++tries) {
         const std::string path = unforeseeableName(beginning) + kEnding;
         const int file =
             open(systemPath(path), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);

@@ -17,10 +17,6 @@ struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-std::int64_t inUnits(const timespec& time) {
-    return std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100;
-}
-
 FolderEntry entryOf(int folder, const char* name, const struct stat& status) {
     struct stat target {};
     return {.name = name,
@@ -31,6 +27,10 @@ FolderEntry entryOf(int folder, const char* name, const struct stat& status) {
 }
 
 } // namespace
+
+std::int64_t inUnits(const timespec& time) {
+    return std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100;
+}
 
 void closeQuietly(int file) {
     const int reason = errno;

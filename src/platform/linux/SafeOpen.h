@@ -2,9 +2,13 @@
 
 #include "platform/Files.h"
 
+#include <ctime>
 #include <string>
 
 namespace tarn::platform {
+
+/// Of 100 ns.
+std::int64_t inUnits(const timespec& time);
 
 /// Closes a descriptor, which may be -1, and leaves errno as it was.
 void closeQuietly(int file);

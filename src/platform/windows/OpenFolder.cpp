@@ -13,7 +13,7 @@
 namespace tarn::platform {
 namespace {
 
-constexpr int kTries = 100;
+constexpr int kFolderNamesTried = 100;
 constexpr DWORD kFolder = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
 
 HANDLE handleOf(std::intptr_t handle) {
@@ -54,7 +54,7 @@ std::unique_ptr<OpenFolder> OpenFolder::open(const std::string& path) {
 
 std::unique_ptr<OpenFolder> OpenFolder::makePrivate(const std::string& parent,
                                                     const std::string& prefix) {
-    for (int tries = 0; tries < kTries; ++tries) {
+    for (int tries = 0; tries < kFolderNamesTried; ++tries) {
         const std::string path = parent + '\\' + unforeseeableName(prefix);
         if (_wmkdir(systemPath(path).c_str()) == 0) {
             if (auto folder = open(path)) {

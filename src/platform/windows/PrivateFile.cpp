@@ -15,11 +15,7 @@
 namespace tarn::platform {
 namespace {
 
-constexpr int kTries = 100;
-
-HANDLE handleOf(std::intptr_t handle) {
-    return std::bit_cast<HANDLE>(handle);
-}
+constexpr int kFileNamesTried = 100;
 
 /// A stream on a copy of the handle.
 std::FILE* streamOn(HANDLE file) {
@@ -36,7 +32,7 @@ std::FILE* streamOn(HANDLE file) {
 
 // Deleting is shared with nobody: the handle that stays open is the mark.
 std::unique_ptr<PrivateFile> PrivateFile::make(const std::string& beginning) {
-    for (int tries = 0; tries < kTries; ++tries) {
+    for (int tries = 0; tries < kFileNamesTried; ++tries) {
         const std::string path = unforeseeableName(beginning) + kEnding;
         HANDLE file = CreateFileW(systemPath(path).c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ,
                                   nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -55,7 +51,7 @@ std::unique_ptr<PrivateFile> PrivateFile::make(const std::string& beginning) {
 
 PrivateFile::~PrivateFile() {
     close();
-    CloseHandle(handleOf(mMark));
+    CloseHandle(std::bit_cast<HANDLE>(mMark));
     if (!mPath.empty()) {
         DeleteFileW(systemPath(mPath).c_str());
     }
@@ -71,13 +67,13 @@ bool PrivateFile::close() {
 bool PrivateFile::moveTo(const std::string& path, bool replaces) {
     const std::wstring target = systemPath(path);
     const std::size_t bytes = target.size() * sizeof(wchar_t);
-    std::vector<std::max_align_t> memory(
-        (sizeof(FILE_RENAME_INFO) + bytes) / sizeof(std::max_align_t) + 1);
+    std::vector<std::uint64_t> memory((sizeof(FILE_RENAME_INFO) + bytes) / sizeof(std::uint64_t) +
+                                      1);
     auto& information = *reinterpret_cast<FILE_RENAME_INFO*>(memory.data());
     information.ReplaceIfExists = replaces ? TRUE : FALSE;
     information.FileNameLength = static_cast<DWORD>(bytes);
     target.copy(information.FileName, target.size());
-    if (SetFileInformationByHandle(handleOf(mMark), FileRenameInfo, &information,
+    if (SetFileInformationByHandle(std::bit_cast<HANDLE>(mMark), FileRenameInfo, &information,
                                    static_cast<DWORD>(sizeof(FILE_RENAME_INFO) + bytes)) == 0) {
         return failedByLastError();
     }
