@@ -7,9 +7,14 @@ namespace zelcore {
 Encoder::Encoder(CodecPtr codec, Muxer& muxer)
     : mCodec(std::move(codec)), mMuxer(muxer), mPacket(makePacket()) {
     mCodec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER; // MP4 keeps the headers in its index
-    if (const int result = avcodec_open2(mCodec.get(), nullptr, nullptr); result < 0) {
+    const AVCodec& kind = *mCodec->codec;         // a refusal takes it away from the context
+    const int result = avcodec_open2(mCodec.get(), nullptr, nullptr);
+    if (result == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
+    if (result < 0) {
         throw Failure(ErrorCode::UnsupportedCodec,
-                      text("Encoder ", mCodec->codec->name, " refuses: ", ffmpegErrorText(result)));
+                      text("Encoder ", kind.name, " refuses: ", ffmpegErrorText(result)));
     }
 }
 
