@@ -1,5 +1,6 @@
 #include "engine/core/AudioTranscoder.h"
 
+#include "engine/core/SoundLayout.h"
 #include "engine/core/Trace.h"
 
 #include <algorithm>
@@ -30,6 +31,22 @@ int bestRate(const AVCodec& codec, int wanted) {
     return best;
 }
 
+/// Of all parts the one with the highest number of what is asked for.
+template <class Number>
+const AVCodecParameters& bestPart(const TrackPlan& plan, Number number) {
+    return *std::ranges::max_element(plan.streams, {}, [number](const PartStream& each) {
+                return number(*each.stream->codecpar);
+            })->stream->codecpar;
+}
+
+const AVChannelLayout& widestLayout(const TrackPlan& plan) {
+    return bestPart(plan, [](const auto& each) { return each.ch_layout.nb_channels; }).ch_layout;
+}
+
+int highestRate(const TrackPlan& plan) {
+    return bestPart(plan, [](const auto& each) { return each.sample_rate; }).sample_rate;
+}
+
 CodecPtr configuredEncoder(const TrackPlan& plan) {
     const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (codec == nullptr) {
@@ -41,11 +58,9 @@ CodecPtr configuredEncoder(const TrackPlan& plan) {
                       "An audio stream does not say its sample rate and channels");
     }
     auto encoder = owned<CodecPtr>(avcodec_alloc_context3(codec));
-    // The encoder's layouts are the default ones; more than its eight channels become two.
-    const int channels = from.ch_layout.nb_channels;
-    av_channel_layout_default(&encoder->ch_layout, channels > 8 || channels == 7 ? 2 : channels);
+    encoder->ch_layout = aacLayout(knownLayout(widestLayout(plan)));
     encoder->sample_fmt = codec->sample_fmts[0];
-    encoder->sample_rate = bestRate(*codec, from.sample_rate);
+    encoder->sample_rate = bestRate(*codec, highestRate(plan));
     encoder->bit_rate = kBitsPerChannel * encoder->ch_layout.nb_channels;
     encoder->time_base = av_make_q(1, encoder->sample_rate);
     trace(TraceLevel::Info,
@@ -92,9 +107,8 @@ void AudioTranscoder::finish() {
 }
 
 void AudioTranscoder::take(const AVFrame& sound) {
-    if (mResampler == nullptr || sound.format != mInputFormat || sound.sample_rate != mInputRate ||
-        sound.ch_layout.nb_channels != mInputChannels) {
-        openResampler(sound);
+    if (!isOfFormat(sound)) {
+        beginFormat(sound);
     }
     const AVRational samples = mEncoder.codec().time_base;
     if (sound.best_effort_timestamp != kNoTime) {
@@ -109,33 +123,21 @@ void AudioTranscoder::take(const AVFrame& sound) {
     encodeQueued(false);
 }
 
-void AudioTranscoder::openResampler(const AVFrame& sound) {
+void AudioTranscoder::beginFormat(const AVFrame& sound) {
     if (mResampler != nullptr) {
         resample(nullptr); // the source changed its format on the way
     }
-    const AVCodecContext& to = mEncoder.codec();
-    AVChannelLayout from{};
-    if (sound.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
-        av_channel_layout_default(&from, sound.ch_layout.nb_channels);
-    } else {
-        require(av_channel_layout_copy(&from, &sound.ch_layout), "channel layout");
-    }
-    // This FFmpeg's function takes both layouts without const and only reads them.
-    auto* layout = const_cast<AVChannelLayout*>(&to.ch_layout);
-    SwrContext* resampler = nullptr;
-    int result = swr_alloc_set_opts2(&resampler, layout, to.sample_fmt, to.sample_rate, &from,
-                                     static_cast<AVSampleFormat>(sound.format), sound.sample_rate,
-                                     0, nullptr);
-    av_channel_layout_uninit(&from);
-    mResampler.reset(resampler);
-    result = result < 0 ? result : swr_init(mResampler.get());
-    if (result < 0) {
-        throw Failure(ErrorCode::UnsupportedCodec,
-                      text("Sound of this kind cannot be converted: ", ffmpegErrorText(result)));
-    }
-    mInputFormat = sound.format;
-    mInputRate = sound.sample_rate;
-    mInputChannels = sound.ch_layout.nb_channels;
+    mResampler = openResampler(sound, mEncoder.codec());
+    mFormat = makeFrame();
+    mFormat->format = sound.format;
+    mFormat->sample_rate = sound.sample_rate;
+    require(av_channel_layout_copy(&mFormat->ch_layout, &sound.ch_layout), "channel layout");
+}
+
+bool AudioTranscoder::isOfFormat(const AVFrame& sound) const {
+    return mResampler != nullptr && sound.format == mFormat->format &&
+           sound.sample_rate == mFormat->sample_rate &&
+           av_channel_layout_compare(&sound.ch_layout, &mFormat->ch_layout) == 0;
 }
 
 void AudioTranscoder::bridgeTo(std::int64_t time) {

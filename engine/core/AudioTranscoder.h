@@ -23,7 +23,9 @@ private:
     void take(const AVFrame& sound);
     /// Resamples a frame, or null for what the resampler still holds, into the queue.
     void resample(const AVFrame* sound);
-    void openResampler(const AVFrame& sound);
+    /// Opens the resampler for sound in the format of this frame.
+    void beginFormat(const AVFrame& sound);
+    bool isOfFormat(const AVFrame& sound) const;
     /// Moves the queue's end to `time`, in samples.
     void bridgeTo(std::int64_t time);
     void queue(const AVFrame& samples, int skip);
@@ -35,14 +37,12 @@ private:
     Encoder mEncoder;
     SampleFifoPtr mQueue;
     ResamplerPtr mResampler;
+    FramePtr mFormat; ///< what the resampler takes; it has no samples
     std::optional<Decoder> mDecoder;
     AVRational mTimeBase{};
     Ticks mOffset = 0;
     std::int64_t mQueueEnd = kNoTime; ///< time of the sample that comes next into the queue
-    int mInputFormat = AV_SAMPLE_FMT_NONE;
-    int mInputRate = 0;
-    int mInputChannels = 0;
-    int mToSkip = 0; ///< samples of an overlap that are still to be cut
+    int mToSkip = 0;                  ///< samples of an overlap that are still to be cut
 };
 
 } // namespace zelcore

@@ -76,7 +76,10 @@ std::vector<TrackPlan> planTracks(const Sources& sources) {
         for (std::size_t index = 0; index < sources[part]->streamCount(); ++index) {
             const AVStream& stream = sources[part]->stream(index);
             if (sources[part]->isWanted(stream)) {
-                trackFor(plans, sources, part, stream).streamOfPart[part] = index;
+                TrackPlan& plan = trackFor(plans, sources, part, stream);
+                plan.streamOfPart[part] = index;
+                plan.streams.push_back(
+                    {&stream, {stream.codecpar->width, stream.codecpar->height}});
             }
         }
     }

@@ -10,11 +10,25 @@
 
 namespace zelcore {
 
+struct PictureSize {
+    int width = 0;
+    int height = 0;
+
+    std::int64_t area() const { return static_cast<std::int64_t>(width) * height; }
+};
+
+/// A track's stream in one part.
+struct PartStream {
+    const AVStream* stream = nullptr;
+    PictureSize largest; ///< of its pictures, as far as they were looked at
+};
+
 /// One track of the destination: where it comes from in each part and whether it is copied.
 struct TrackPlan {
     const AVStream* reference = nullptr; ///< the first part's that has it: its parameters hold
     const Source* referenceSource = nullptr;
     std::vector<std::optional<std::size_t>> streamOfPart; ///< stream's index in each source
+    std::vector<PartStream> streams;                      ///< of the parts that have it, in order
     bool isCopied = false;
     std::string reason; ///< for the trace, when it is not copied
 };
