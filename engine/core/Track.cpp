@@ -18,16 +18,22 @@ std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& lo
     return std::make_unique<AudioTranscoder>(plan, muxer, losses);
 }
 
-void copyTrackProperties(const AVStream& from, AVStream& to) {
+void copyTrackProperties(const AVStream& from, AVStream& to, bool isTurned) {
     require(av_dict_copy(&to.metadata, from.metadata, 0), "track metadata");
     to.disposition = from.disposition;
-    std::size_t size = 0;
-    if (const auto* matrix = av_stream_get_side_data(&from, AV_PKT_DATA_DISPLAYMATRIX, &size)) {
-        std::uint8_t* copy = av_stream_new_side_data(&to, AV_PKT_DATA_DISPLAYMATRIX, size);
+    for (const auto type :
+         {AV_PKT_DATA_DISPLAYMATRIX, AV_PKT_DATA_STEREO3D, AV_PKT_DATA_SPHERICAL,
+          AV_PKT_DATA_MASTERING_DISPLAY_METADATA, AV_PKT_DATA_CONTENT_LIGHT_LEVEL}) {
+        std::size_t size = 0;
+        const auto* data = av_stream_get_side_data(&from, type, &size);
+        if (data == nullptr || (isTurned && type == AV_PKT_DATA_DISPLAYMATRIX)) {
+            continue;
+        }
+        std::uint8_t* copy = av_stream_new_side_data(&to, type, size);
         if (copy == nullptr) {
             throw std::bad_alloc();
         }
-        std::memcpy(copy, matrix, size);
+        std::memcpy(copy, data, size);
     }
 }
 

@@ -29,7 +29,8 @@ public:
 /// Adds the plan's track to the muxer, whose header is not written yet.
 std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
-/// Language, title, disposition and picture orientation, for a track that is transcoded.
-void copyTrackProperties(const AVStream& from, AVStream& to);
+/// Language, title, disposition and how pictures are meant to be looked at, for a track that is
+/// transcoded. `isTurned`: its pictures lie no longer as the matrix says.
+void copyTrackProperties(const AVStream& from, AVStream& to, bool isTurned = false);
 
 } // namespace zelcore

@@ -33,9 +33,9 @@ struct TrackPlan {
     std::string reason; ///< for the trace, when it is not copied
 };
 
-/// True for a codec that MP4 carries and that common players play from it; the others are
-/// transcoded to H.264 and AAC.
-bool isCopyable(AVCodecID codec);
+/// True for what MP4 carries and common players play from it; the rest is transcoded to H.264 and
+/// AAC.
+bool isCopyable(const AVCodecParameters& parameters);
 
 /// The n-th video (audio) stream of each part belongs to the n-th video (audio) track. A track is
 /// copied when its codec allows it and its parameters are the same in every part.

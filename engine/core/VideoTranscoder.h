@@ -22,14 +22,19 @@ public:
 
 private:
     void encode(AVFrame& picture);
+    /// Whether the picture that comes at this time begins anew, because the next one comes too late
+    /// for it.
+    bool mustBeKey(std::int64_t time);
 
     Losses& mLosses;
+    Canvas mCanvas;
     Encoder mEncoder;
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;
     AVRational mTimeBase{};
     Ticks mOffset = 0;
     std::int64_t mLastTime = kNoTime; ///< in the encoder's clock
+    std::int64_t mLastKey = kNoTime;  ///< as far as this class asked for it
 };
 
 } // namespace zelcore
