@@ -1,52 +1,202 @@
-#include "AsyncQueueFixture.h"
+#include "AsyncQueue/AsyncQueue.h"
+#include "AsyncQueue/AsyncQueueDestroyedException.h"
+#include "AsyncQueue/QueueContext.h"
 #include "platform/Identity.h"
+#include "support/LogRecorder.h"
+#include "support/Signal.h"
+#include "threading/Assertion.h"
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
 
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <random>
 #include <stdexcept>
 #include <thread>
 
 namespace tarn {
+
+/// Reaches what the queue's interface does not offer: no operation enters the initialiser phase.
+class AsyncQueueProbe {
+public:
+    explicit AsyncQueueProbe(const AsyncQueue& queue) : mContext(queue.mContext) {}
+
+    void enter(AsyncQueue::State state) {
+        const std::lock_guard lock(mContext->mMutex);
+        mContext->mState.exchange(state);
+        mContext->wakeWorker();
+    }
+    void postInitialiser(const std::string& name, TaskFunction&& task) {
+        const std::lock_guard lock(mContext->mMutex);
+        mContext->mQueue.growBack() = {std::move(task), 0, name};
+        mContext->wakeWorker();
+    }
+
+private:
+    std::shared_ptr<AsyncQueue::Context> mContext;
+};
+
 namespace {
 
 using ::testing::ElementsAre;
+using testing::Signal;
 using ThreadUtilities::getThreadDescription;
 
-using AsyncQueueTest = AsyncQueueFixture;
-
-TEST_F(AsyncQueueTest, PrecedesDropsAndHoldsBackWhatTheWorkerHasAlreadyTaken) {
-    testing::Signal isTaken;
-    testing::Signal mayGoOn;
-    hold();
-    mQueue->post("gate", TaskFunction([&] {
-                     isTaken.set();
-                     mayGoOn.wait();
-                 }),
-                 0, 0);
-    std::vector<std::string> expected{"front 2", "front 1"};
-    for (int number = 0; number < 300; ++number) { // more than the queue keeps in one piece
-        post(std::to_string(number), 0, number % 3 == 0 ? 1 : 2);
-        if (number % 3 == 0) {
-            expected.push_back(std::to_string(number));
+/// A queue named "Q" whose tasks note their names. `hold` keeps the worker busy until `release`.
+class AsyncQueueTest : public ::testing::Test {
+protected:
+    ~AsyncQueueTest() override {
+        if (mIsHeld) {
+            release();
         }
     }
-    release();
-    isTaken.wait();
-    post("later", 2);
-    expected.emplace_back("later");
-    post("front 1", 1);
-    post("front 2", 1);
-    mQueue->cancelTasks(2);
-    mQueue->cancelTasks(77);
-    testing::Signal isSuspended;
-    EXPECT_FALSE(mQueue->suspend([&] { isSuspended.set(); }));
-    mayGoOn.set();
-    isSuspended.wait();
-    EXPECT_EQ(mQueue->pendingTaskCount(), expected.size());
-    mQueue->resume();
-    run("last", [] {});
-    EXPECT_EQ(notes(), expected);
-    EXPECT_FALSE(mQueue->hasPendingTasks());
+    void post(const std::string& name, std::uint32_t position = 0, std::uint32_t type = 0) {
+        add(
+            name, [this, name] { mNotes.push_back(name); }, position, type);
+    }
+    void add(const std::string& name, std::function<void()> work, std::uint32_t position = 0,
+             std::uint32_t type = 0) {
+        mQueue->post(name, TaskFunction(std::move(work)), position, type);
+    }
+    /// Runs it as a task and waits for its end.
+    void run(
+        const std::string& name, const std::function<void()>& work = [] {}) {
+        Signal hasEnded;
+        add(name, [&] {
+            work();
+            hasEnded.set();
+        });
+        hasEnded.wait();
+    }
+    void hold() {
+        Signal isHolding;
+        add("hold", [&] {
+            isHolding.set();
+            mMayGoOn.wait();
+        });
+        isHolding.wait();
+        mIsHeld = true;
+    }
+    void release() {
+        mIsHeld = false;
+        mMayGoOn.set();
+    }
+    /// "line <Level> message" of what was logged.
+    std::vector<std::string> logged() const {
+        std::vector<std::string> texts;
+        for (const auto& [line, parts] : mLog.records()) {
+            texts.push_back(std::to_string(parts.line) + " " + line);
+        }
+        return texts;
+    }
+
+    testing::HookedLog mLog;
+    std::vector<std::string> mNotes; ///< the worker's, until it has ended
+    Signal mMayGoOn;
+    bool mIsHeld = false;
+    std::shared_ptr<AsyncQueue> mQueue = std::make_shared<AsyncQueue>("Q", false);
+};
+
+/// The queue and a plain list beside it. Each task, once it runs, waits for `next`.
+class ModelledQueue {
+public:
+    explicit ModelledQueue(unsigned seed) : mRandom(seed) {} // NOLINT: the same in every run
+    ~ModelledQueue() {
+        if (mIsSuspended) {
+            resume();
+        }
+        while (mIsBusy) {
+            next();
+        }
+    }
+
+    void act() {
+        const unsigned action = pick(12);
+        if (action < 5) {
+            post();
+        } else if (action < 9 && mIsBusy) {
+            next();
+        } else if (action == 9 && mIsSuspended && !mIsCallbackDue) {
+            resume();
+        } else if (action == 10 && !mIsSuspended) {
+            mIsCallbackDue = !mTasks.empty();
+            mIsSuspended = true;
+            EXPECT_EQ(mQueue.suspend([this] { mHasSuspended.set(); }), !mIsCallbackDue);
+        } else if (action == 11 && !mIsCallbackDue) {
+            const unsigned type = pick(3);
+            std::erase_if(mTasks,
+                          [&](const auto& task) { return type == 0 || task.second == type; });
+            type == 0 ? mQueue.clear() : mQueue.cancelTasks(type);
+        }
+        EXPECT_EQ(mQueue.pendingTaskCount(), mTasks.size());
+        EXPECT_EQ(mQueue.hasPendingTasks(), !mTasks.empty());
+    }
+
+private:
+    unsigned pick(unsigned count) { return static_cast<unsigned>(mRandom() % count); }
+    void post() {
+        const std::pair<int, std::uint32_t> task{++mCount, 1 + pick(2)};
+        const unsigned position = pick(3); // only 1 is the front
+        mTasks.insert(position == 1 ? mTasks.begin() : mTasks.end(), task);
+        mQueue.post(std::to_string(mCount), TaskFunction([this, number = mCount] {
+                        mRan = number;
+                        mHasBegun.set();
+                        mMayEnd.wait();
+                    }),
+                    position, task.second);
+        if (!mIsBusy && !mIsSuspended) {
+            awaitFront();
+        }
+    }
+    void next() {
+        mMayEnd.set();
+        mIsBusy = false;
+        if (std::exchange(mIsCallbackDue, false)) {
+            mHasSuspended.wait();
+        } else if (!mIsSuspended && !mTasks.empty()) {
+            awaitFront();
+        }
+    }
+    void resume() {
+        mIsSuspended = false;
+        if (mIsCallbackDue) {
+            next();
+        }
+        mQueue.resume();
+        if (!mIsBusy && !mTasks.empty()) {
+            awaitFront();
+        }
+    }
+    void awaitFront() {
+        mHasBegun.wait();
+        EXPECT_EQ(mRan, mTasks.front().first);
+        EXPECT_EQ(mQueue.currentTaskName(), std::to_string(mTasks.front().first));
+        mTasks.erase(mTasks.begin());
+        mIsBusy = true;
+    }
+
+    std::mt19937 mRandom;
+    std::vector<std::pair<int, std::uint32_t>> mTasks; ///< number and type of those that wait
+    int mCount = 0;
+    int mRan = 0;
+    bool mIsBusy = false;
+    bool mIsSuspended = false;
+    bool mIsCallbackDue = false;
+    Signal mHasBegun;
+    Signal mMayEnd;
+    Signal mHasSuspended;
+    AsyncQueue mQueue{"Q", false};
+};
+
+TEST_F(AsyncQueueTest, DoesWhatAPlainListDoes) {
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        ModelledQueue queue(seed);
+        for (int action = 0; action < 100 && !HasFailure(); ++action) {
+            queue.act();
+        }
+    }
 }
 
 TEST_F(AsyncQueueTest, DestroysWhatItDropsOutsideTheLock) {
@@ -54,39 +204,35 @@ TEST_F(AsyncQueueTest, DestroysWhatItDropsOutsideTheLock) {
         hold();
         // Asking the queue would wait for ever under its lock.
         const auto tell = [this](void*) {
-            note(std::to_string(mQueue->pendingTaskCount()) + " left");
+            mNotes.push_back(std::to_string(mQueue->pendingTaskCount()) + " left");
         };
-        mQueue->post("dropped",
-                     TaskFunction([told = std::shared_ptr<void>(nullptr, tell)] { ADD_FAILURE(); }),
-                     0, 2);
+        add(
+            "dropped", [told = std::shared_ptr<void>(nullptr, tell)] { ADD_FAILURE(); }, 0, 2);
         post("kept", 1, 3);
         isCleared ? mQueue->clear() : mQueue->cancelTasks(2);
         release();
-        run("last", [] {});
+        run("last");
     }
-    EXPECT_THAT(notes(), ElementsAre("1 left", "kept", "0 left"));
+    EXPECT_THAT(mNotes, ElementsAre("1 left", "kept", "0 left"));
 }
 
-TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
+TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTaskAndLeavesNothingToTheNext) {
     for (const bool isRegistered : {false, true}) {
         mQueue = std::make_shared<AsyncQueue>("Q", isRegistered);
         std::uint32_t worker = 0;
-        for (const auto& [name, ownName] :
-             std::initializer_list<std::pair<std::string, std::string>>{
-                 {"first", ""}, {"first", "a task's own name"}, {"second", ""}}) {
-            run(name, [&, &name = name, &ownName = ownName] {
+        for (const std::string name : {"first", "first", "second"}) {
+            run(name, [&] {
                 worker = platform::threadId();
-                EXPECT_EQ(mQueue->currentTaskName(), name);
                 EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[" + name + "]");
                 EXPECT_EQ(ScopedThreadNotifications::currentScope() != nullptr, isRegistered);
                 EXPECT_EQ(hint_external_input::share(), nullptr);
                 EXPECT_EQ(mQueue->threadId(), std::this_thread::get_id());
-                // Neither may be left to the next task.
                 hint_external_input::set("a task's", "context");
-                if (!ownName.empty()) {
-                    ThreadUtilities::setThreadDescription(ownName);
-                }
+                ThreadUtilities::setThreadDescription("a task's own name");
             });
+            while (!getThreadDescription(worker).empty()) { // it is back when there is no work
+                std::this_thread::yield();
+            }
             // Its own name comes back when it has nothing to do.
             while (!getThreadDescription(worker).empty()) {
                 std::this_thread::yield();
@@ -94,7 +240,7 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
         }
         hold();
         post("later");
-        testing::Signal isSuspended;
+        Signal isSuspended;
         std::string idleName;
         EXPECT_FALSE(mQueue->suspend([&] {
             idleName = mQueue->currentTaskName() + "|" + getThreadDescription(worker);
@@ -105,54 +251,154 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTask) {
         EXPECT_EQ(idleName, "|AsyncQueue::Q[Suspension]");
         EXPECT_FALSE(mQueue->isQueueThread());
         mQueue->resume();
-        run("last", [] {});
+        run("last");
     }
 }
 
-TEST_F(AsyncQueueTest, SuspendsAnIdleQueueAtOnceAndABusyOneAfterItsRunningTask) {
-    hold();
-    EXPECT_TRUE(mQueue->suspend([] { ADD_FAILURE(); })) << "only what is queued counts";
-    release();
-    mQueue->resume();
+TEST(TaskFunction, ReleasesTheCallersContextWhenTheCallEnds) {
+    hint_external_input::set("first", "second");
+    CallSite site = CallSite::capture("file", 1, "function");
+    hint_external_input::clear();
+    const std::weak_ptr<const hint_external_input> context = site.context;
+    TaskFunction task(
+        [&, moveOnly = std::make_unique<int>()] { EXPECT_EQ(context.lock()->second, "second"); });
+    task(std::move(site));
+    EXPECT_TRUE(context.expired());
+}
+
+TEST_F(AsyncQueueTest, LogsWhatASuspensionDoesAndWhatItsCallbackThrows) {
     testing::expectErrorLine("AsyncQueue[Q]");
-    testing::Signal isCalled;
-    const std::function<void()> callbacks[] = {
-        nullptr,
-        [&] {
-            isCalled.set();
-            throw std::runtime_error("boom");
-        },
-        [&] {
-            isCalled.set();
-            throw 1;
-        },
-    };
-    for (const auto& callback : callbacks) {
+    Signal isCalled;
+    for (const bool isStandard : {true, false}) {
         hold();
         post("later");
-        EXPECT_FALSE(mQueue->suspend(callback));
+        EXPECT_FALSE(mQueue->suspend([&] {
+            isCalled.set();
+            isStandard ? throw std::runtime_error("boom") : throw 1;
+        }));
         release();
-        if (callback) {
-            isCalled.wait();
-        }
-        EXPECT_EQ(mQueue->pendingTaskCount(), 1U);
+        isCalled.wait();
         mQueue->resume();
-        while (mQueue->hasPendingTasks()) { // another post would wake the worker, too
-            std::this_thread::yield();
-        }
-        run("last", [] {});
+        run("last");
     }
-    EXPECT_THAT(notes(), ElementsAre("later", "later", "later"));
+    EXPECT_THAT(mNotes, ElementsAre("later", "later"));
     const std::string entering = "370 <Info> Entering, asking the threadpool to suspend: Q";
     const std::string ready =
         "139 <Info> mHasFinishedFunc is not nil, so we are ready to suspend and notify callback: Q";
-    EXPECT_THAT(logged(),
-                ElementsAre(entering, entering, entering, ready,
-                            "153 <Error> AsyncQueue[Q] Encountered an exception while calling "
-                            "suspension lambda: boom",
-                            entering, ready,
-                            "157 <Error> AsyncQueue[Q]Encountered a generic exception while "
-                            "calling suspension lambda"));
+    EXPECT_THAT(logged(), ElementsAre(entering, ready,
+                                      "153 <Error> AsyncQueue[Q] Encountered an exception while "
+                                      "calling suspension lambda: boom",
+                                      entering, ready,
+                                      "157 <Error> AsyncQueue[Q]Encountered a generic exception "
+                                      "while calling suspension lambda"));
+}
+
+TEST_F(AsyncQueueTest, StopsWhenTheQueuedTasksHaveRunAndTakesNothingAfterwards) {
+    hold();
+    post("queued 1");
+    post("queued 2");
+    std::thread stopper([this] { mQueue->stop(); });
+    release();
+    stopper.join();
+    EXPECT_TRUE(mQueue->isStopped());
+    mQueue->stop();
+    post("too late");
+    EXPECT_EQ(mQueue->pendingTaskCount(), 0U);
+    EXPECT_THAT(mNotes, ElementsAre("queued 1", "queued 2"));
+    EXPECT_EQ(mQueue->threadId(), std::thread::id());
+}
+
+TEST_F(AsyncQueueTest, DetachesItsWorkerWhenATaskStopsOrDestroysItsOwnQueue) {
+    for (const bool isStopped : {true, false}) {
+        mQueue = std::make_shared<AsyncQueue>("Q", false);
+        std::uint32_t worker = 0;
+        Signal isLast;
+        hold();
+        add("end", [&] {
+            worker = platform::threadId();
+            if (isStopped) {
+                mQueue->stop();
+                EXPECT_TRUE(mQueue->isStopped() && mQueue->isQueueThread());
+            }
+            mQueue.reset();
+        });
+        add("next", [&] { isLast.set(); });
+        release();
+        isLast.wait();
+        // The parked worker keeps the state alive when the queue is gone, and has the last name.
+        while (getThreadDescription(worker) != "Detached::AsyncQueue::Q") {
+            std::this_thread::yield();
+        }
+    }
+}
+
+TEST_F(AsyncQueueTest, LogsWhatATaskThrowsAndRunsTheNext) {
+    testing::expectErrorLine("AsyncQueue[Q] Encountered");
+    std::string assertion;
+    setAssertionMessageHandler([&](const std::string& text, std::uint32_t line, const auto&...) {
+        assertion = std::to_string(line) + " " + text;
+    });
+    add("flush", [] { throw std::runtime_error("boom"); });
+    add("number", [] { throw 1; });
+    mQueue->post("empty", TaskFunction(), 0, 0);
+    post("next");
+    mQueue->stop();
+    setAssertionMessageHandler({});
+    EXPECT_THAT(mNotes, ElementsAre("next"));
+    const std::string encountered =
+        "195 <Error> AsyncQueue[Q] Encountered an exception while running a task: ";
+    EXPECT_THAT(logged(), ElementsAre(encountered + "boom with a task name of flush",
+                                      "199 <Error> AsyncQueue[Q] Encountered a generic exception "
+                                      "while running task number",
+                                      encountered + std::bad_function_call().what() +
+                                          " with a task name of empty"));
+    EXPECT_EQ(assertion,
+              "74 Assertion failed: mTask with message: TaskFunction called when empty, it's "
+              "either been moved or default initialized. Called from File: AsyncQueue/AsyncQueue "
+              "Line: 186");
+}
+
+TEST_F(AsyncQueueTest, EndsItsWorkerWhenATaskSaysThatItsObjectIsGone) {
+    add("orphan", [] { throw AsyncQueueDestroyedException(); });
+    post("never");
+    // Nothing else tells that the worker has gone than that it can be joined.
+    mQueue->stop();
+    EXPECT_EQ(mQueue->pendingTaskCount(), 1U);
+    EXPECT_EQ(mQueue->currentTaskName(), "orphan");
+    EXPECT_THAT(mNotes, ElementsAre());
+    EXPECT_THAT(logged(), ElementsAre("190 <Warn> AsyncQueue[Q] Destructed running taskorphan"));
+    mQueue = std::make_shared<AsyncQueue>("Q", false);
+    add("last", [this] {
+        mQueue->stop();
+        throw AsyncQueueDestroyedException();
+    });
+    while (mQueue->threadId() != std::thread::id()) { // a thread that has ended is nobody's
+        std::this_thread::yield();
+    }
+}
+
+TEST_F(AsyncQueueTest, HoldsPostsBackUntilTheInitialiserTasksAreDone) {
+    AsyncQueueProbe probe(*mQueue);
+    hold();
+    probe.enter(AsyncQueue::State::Initialising);
+    post("held back");
+    post("dropped", 0, 5);
+    post("held back, in front", 1);
+    mQueue->cancelTasks(5);
+    Signal isDone;
+    probe.postInitialiser("initialiser", TaskFunction([&] {
+                              mNotes.push_back("initialiser");
+                              isDone.set();
+                          }));
+    release();
+    isDone.wait();
+    EXPECT_EQ(mQueue->pendingTaskCount(), 2U);
+    EXPECT_TRUE(mQueue->suspend(nullptr)) << "held back tasks do not count";
+    mQueue->resume();
+    probe.enter(AsyncQueue::State::Processing);
+    run("last");
+    EXPECT_THAT(mNotes, ElementsAre("initialiser", "held back, in front", "held back"));
+    EXPECT_EQ(logged().back(), "240 <Info> Threadpool state is now running, name: Q");
 }
 
 } // namespace

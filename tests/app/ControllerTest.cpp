@@ -1,9 +1,8 @@
 #include "app/LocalizationStrings.h"
 #include "app/MediaConverterController.h"
 #include "recordconverter/WinConverterLog.h"
-#include "support/ErrorWatch.h"
 #include "support/FakeLibraries.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -53,14 +52,13 @@ protected:
     /// "line message" of each record so far, and forgets them.
     std::vector<std::string> takeLog() const {
         std::vector<std::string> lines;
-        for (const auto& record : log.records()) {
-            lines.push_back(std::to_string(record.line) + " " + record.message);
+        for (const auto& [line, parts] : log.take()) {
+            lines.push_back(std::to_string(parts.line) + " " + parts.message);
         }
-        log.clear();
         return lines;
     }
 
-    tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
+    tarn::testing::HookedLog log;
     tarn::testing::TemporaryFolder folder;
     std::string destination = folder / "mee ting.mp4";
     QTranslator translator;

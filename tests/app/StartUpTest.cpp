@@ -2,8 +2,7 @@
 #include "app/QtMessageHandler.h"
 #include "app/RunApplication.h"
 #include "recordconverter/ConverterLog.h"
-#include "support/ErrorWatch.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 
 #include <QString>
 #include <gmock/gmock.h>
@@ -19,7 +18,7 @@ TEST(RunApplication, TurnsAnyExceptionIntoOneErrorLineAndMinusOne) {
         void installQtMessageHandler() override {}
         void detach() override {}
     };
-    const tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
+    const tarn::testing::HookedLog log;
     tarn::testing::expectErrorLine("unexpected error happen!");
     EntryContext context;
     context.converterLog = std::make_shared<FailingLog>();

@@ -1,6 +1,6 @@
 #include "loader/LibraryLoader.h"
 #include "platform/Text.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -15,13 +15,14 @@ using ::testing::ElementsAre;
 
 class LibraryLoader : public ::testing::Test {
 protected:
+    LibraryLoader() { testing::expectErrorLine(""); }
     ~LibraryLoader() override {
         if (mLoaded != nullptr) {
             EXPECT_TRUE(platform::unload(mLoaded));
         }
     }
     bool loads(const std::string& name, const std::string& from) {
-        log.clear();
+        log.take();
         mLoaded = loadLibrary(platform::toWide(name).c_str(), platform::toWide(from));
         return mLoaded != nullptr;
     }
@@ -34,7 +35,7 @@ protected:
     }
 
     const testing::TemporaryFolder folder;
-    const testing::RecordingLogHook log;
+    const testing::HookedLog log;
     const std::string plain = platform::libraryFileName("loader_plain");
 
 private:

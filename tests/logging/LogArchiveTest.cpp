@@ -2,7 +2,7 @@
 #include "logging/FileLoggerFixture.h"
 #include "logging/LogArchive.h"
 #include "logging/ZipEntryNames.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 
 #include <future>
 #include <thread>
@@ -20,6 +20,7 @@ using ::testing::StartsWith;
 
 class LogArchiveTest : public testing::FileLoggerFixture {
 protected:
+    LogArchiveTest() { testing::expectErrorLine(""); }
     LogArchive::Files makeLogs() const {
         return {{"a.txt", folder.write("Logs/a.txt", "a")},
                 {"b.txt", folder.write("Logs/b.txt", "b")}};
@@ -41,7 +42,7 @@ protected:
     }
 
     const std::string destination = folder.makeFolder("Ziel – 保存");
-    const testing::RecordingLogHook log;
+    const testing::HookedLog log;
 };
 
 TEST_F(LogArchiveTest, ArchivesFilesWhenTheJobRunsThoughItsLoggerIsGone) {
@@ -148,7 +149,7 @@ TEST_F(LogArchiveTest, EndsWithOneErrorLineAndNoFileWhenItFails) {
         files->removeEmptyDir(destination) ||
             files->removeNonEmptyDir(files->getDirs(destination)[0]);
         job();
-        log.clear();
+        log.take();
         zipFolder(folder / "absent", files->joinPath(destination, "out.zip"), true);
     });
     expectError("getting files from dir: " + folder / "absent" + ", errorCode: ");

@@ -1,6 +1,6 @@
 #include "logging/LogOutput.h"
 #include "platform/Identity.h"
-#include "support/FatalLogSink.h"
+#include "support/LogRecorder.h"
 #include "threading/ScopedThreadNotifications.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@ namespace tarn {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::FatalLogSink;
+using testing::LogRecorder;
 
 class LogOutputTest : public ::testing::Test {
 protected:
@@ -26,7 +26,7 @@ protected:
         mOutput.write(record);
     }
 
-    std::shared_ptr<FatalLogSink> mSink = std::make_shared<FatalLogSink>();
+    std::shared_ptr<LogRecorder> mSink = std::make_shared<LogRecorder>();
     LogOutput mOutput;
 };
 
@@ -51,11 +51,11 @@ TEST_F(LogOutputTest, WritesNoLineBreakAndNoPersonalString) {
 }
 
 TEST_F(LogOutputTest, GivesEachLineOnceToEverySinkWhateverAnotherThrows) {
-    class ThrowingSink : public FatalLogSink {
+    class ThrowingSink : public LogRecorder {
         void log(const std::string&, const LogComponents&) override { flush(); }
         void flush() override { throw std::runtime_error("disk on fire"); }
     };
-    const auto last = std::make_shared<FatalLogSink>();
+    const auto last = std::make_shared<LogRecorder>();
     EXPECT_TRUE(mOutput.addSink(std::make_shared<ThrowingSink>()));
     EXPECT_TRUE(mOutput.addSink(last));
     EXPECT_FALSE(mOutput.addSink(mSink));
@@ -71,8 +71,8 @@ TEST_F(LogOutputTest, GivesLinesOfTheEngineAndOfTheLifeCycleToTheirSinksOnceThey
     write("an engine without a sink", "ZEL");
     write("a life without a sink", "Start", "AppLifeCycle #");
     EXPECT_THAT(mSink->take().at(1).first, ::testing::EndsWith(" function::a life without a sink"));
-    const auto engineSink = std::make_shared<FatalLogSink>();
-    const auto lifeCycleSink = std::make_shared<FatalLogSink>();
+    const auto engineSink = std::make_shared<LogRecorder>();
+    const auto lifeCycleSink = std::make_shared<LogRecorder>();
     LifeCycleFunctions functions;
     functions.addFile("Start");
     functions.addFunction("Window", "open");

@@ -1,7 +1,7 @@
 #include "AsyncQueue/AsyncQueue.h"
 #include "logging/LogCall.h"
 #include "logging/RootLogger.h"
-#include "support/FatalLogSink.h"
+#include "support/LogRecorder.h"
 #include "support/Signal.h"
 
 #include <gmock/gmock.h>
@@ -60,7 +60,7 @@ protected:
     }
 
     const std::shared_ptr<AsyncQueue>& mQueue = leaked<AsyncQueue>("RootLogger", false);
-    const std::shared_ptr<testing::FatalLogSink>& mSink = leaked<testing::FatalLogSink>();
+    const std::shared_ptr<testing::LogRecorder>& mSink = leaked<testing::LogRecorder>();
     RootLogger& mLogger = RootLogger::getInstance(mQueue);
     testing::Signal mIsHolding;
     testing::Signal mMayGoOn;

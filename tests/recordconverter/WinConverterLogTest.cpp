@@ -1,8 +1,7 @@
 #include "logging/RootLogger.h"
 #include "recordconverter/WinConverterLog.h"
 #include "support/FakeLibraries.h"
-#include "support/FatalLogSink.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "threading/Assertion.h"
 
@@ -20,7 +19,7 @@ using ::testing::StartsWith;
 class WinConverterLogTest : public ::testing::Test {
 protected:
     const tarn::testing::FakeLibrary client{"whole", "zelclient"};
-    const tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
+    const tarn::testing::HookedLog log;
 };
 
 TEST_F(WinConverterLogTest, HandsTheEngineTheSameSinkEachTimeAndTakesItBackAtTheEnd) {
@@ -38,7 +37,7 @@ TEST_F(WinConverterLogTest, HandsTheEngineTheSameSinkEachTimeAndTakesItBackAtThe
 
 TEST_F(WinConverterLogTest, MapsTheEnginesLevelsAndReportsAnUnknownOne) {
     // The root logger keeps its sinks for ever.
-    const auto sink = std::make_shared<tarn::testing::FatalLogSink>();
+    const auto sink = std::make_shared<tarn::testing::LogRecorder>();
     tarn::RootLogger::getInstance().registerLogger(sink);
     tarn::RootLogger::getInstance().flush();
     std::vector<std::string> assertions;
@@ -73,7 +72,7 @@ TEST_F(WinConverterLogTest, WarnsTwiceWithoutTheClientLibraryOrItsExports) {
     expectErrorLine("Failed to load ");
     const tarn::testing::TemporaryFolder empty;
     for (const std::string& folder : {empty.path(), fakeEngineFolder("no-factory")}) {
-        log.clear();
+        log.take();
         WinConverterLog().attach(folder);
         EXPECT_THAT(log.lines(),
                     Contains(StartsWith("<Warn> ZelSetTraceSink setting error, sink:0x")));

@@ -1,9 +1,8 @@
 #include "platform/Library.h"
 #include "recordconverter/ConverterLog.h"
 #include "recordconverter/WinMediaConverter.h"
-#include "support/ErrorWatch.h"
 #include "support/FakeLibraries.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -87,7 +86,7 @@ protected:
         return observer->heard();
     }
 
-    const tarn::testing::RecordingLogHook log{tarn::testing::noteErrorLine};
+    const tarn::testing::HookedLog log;
     tarn::testing::TemporaryFolder folder;
     std::string destination = folder / "out.mp4";
     std::shared_ptr<AttachCounter> trace = std::make_shared<AttachCounter>();
@@ -124,7 +123,7 @@ TEST_F(WinMediaConverterTest, TakesAResultForAFailureByItsBits12To15) {
                                         {"0x7FFF0FFF", ""},
                                         {"-100", ": src file number error"},
                                         {"0x1000", "."}}) {
-        log.clear();
+        log.take();
         const std::string only =
             folder.write("a.rec", std::string("result ") + result + "\nprogress 50");
         const bool isStarted = *error == '\0';
@@ -142,7 +141,7 @@ TEST_F(WinMediaConverterTest, StartsNothingWithoutSourcesOrAnInstance) {
     const std::string only = folder.write("a.rec", "progress 100");
     expectErrorLine("Failed to create media converter instance.");
     for (const std::string variant : {"failing-factory", "no-instance"}) {
-        log.clear();
+        log.take();
         EXPECT_THAT(convert(variant, {only}), IsEmpty());
         EXPECT_EQ(calls, "create\n");
         EXPECT_THAT(log.lines(), Contains("<Error> Failed to create media converter instance."));
@@ -155,7 +154,7 @@ TEST_F(WinMediaConverterTest, WithoutTheLibraryOrItsFactoryIsUnboundAndStillTrac
     const std::string factory =
         "Can not open CreateMediaConverter in " + kEngineName + ", errorCode: ";
     for (const auto& error : {missing, factory}) {
-        log.clear();
+        log.take();
         expectErrorLine(error);
         expectErrorLine("Failed to load " + kEngineName);
         expectErrorLine("Failed to create media converter instance.");

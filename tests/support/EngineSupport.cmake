@@ -37,5 +37,5 @@ record_converter_fake_library(failing-factory mediaconverter FakeEngine.cpp
 record_converter_fake_library(no-instance mediaconverter FakeEngine.cpp FAKE_STORES_NOTHING)
 
 record_converter_library(rc_engine_test_support
-    SOURCES FakeLibraries.cpp TemporaryFolder.cpp
+    SOURCES FakeLibraries.cpp
     LINK rc_utils rc_platform rc_test_support)

@@ -5,11 +5,7 @@
 
 namespace tarn::testing {
 
-/// Lets one thread go on when another says so. Any thread; `wait` takes one `set` back.
-///
-/// The standard's own (`std::atomic::wait`, `<semaphore>`, `<latch>`, `<barrier>`) lose wake-ups
-/// where the system has no futex: GCC 12's library then notifies without the lock under which the
-/// waiting thread looks. Seen as tests that hang under Wine; the static checks refuse them.
+/// Lets one thread go on when another says so; `wait` takes one `set` back, which a promise cannot.
 class Signal {
 public:
     void set() {

@@ -77,21 +77,5 @@ TEST(ScopedThreadNotifications, PutsDescriptionAndSavedContextBackAndLeavesNoOth
     }
 }
 
-TEST(ScopedThreadNotifications, KeepsTheOutermostRegisteredScopeAsTheCurrentOne) {
-    using Scope = ScopedThreadNotifications;
-    {
-        const Scope unregistered("unregistered", false);
-        EXPECT_EQ(Scope::currentScope(), nullptr);
-        const Scope outer("outer", true);
-        {
-            const Scope inner("inner", true);
-            EXPECT_EQ(Scope::currentScope(), &outer);
-            onNewThread([] { EXPECT_EQ(Scope::currentScope(), nullptr); });
-        }
-        EXPECT_EQ(Scope::currentScope(), &outer);
-    }
-    EXPECT_EQ(Scope::currentScope(), nullptr);
-}
-
 } // namespace
 } // namespace tarn

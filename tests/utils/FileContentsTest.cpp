@@ -1,4 +1,4 @@
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -45,7 +45,8 @@ TEST_F(FileContents, WritesLinesAndBytesAsTheyAre) {
 }
 
 TEST_F(FileContents, ReportsWhatCannotBeReadOrWritten) {
-    const testing::RecordingLogHook log;
+    const testing::HookedLog log;
+    testing::expectErrorLine("");
     for (const std::string& path : {folder / "absent", folder.path(), std::string()}) {
         EXPECT_EQ(files.readFirstLine(path) + files.readLastLine(path), "");
         EXPECT_THAT(files.readAllLines(path), IsEmpty());

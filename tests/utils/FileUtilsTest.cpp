@@ -1,6 +1,6 @@
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -111,7 +111,8 @@ TEST_F(FileUtilsTest, MakesFoldersWithTheirParents) {
 }
 
 TEST_F(FileUtilsTest, LogsWhyARenamingFailed) {
-    const testing::RecordingLogHook log;
+    const testing::HookedLog log;
+    testing::expectErrorLine("");
     std::string reason;
     EXPECT_FALSE(files.renameWithMessage(folder / "a", folder / "b", &reason));
     EXPECT_FALSE(reason.empty());

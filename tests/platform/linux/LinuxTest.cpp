@@ -3,7 +3,7 @@
 #include "platform/Library.h"
 #include "platform/Text.h"
 #include "platform/Wildcard.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -85,7 +85,8 @@ TEST(LinuxKnownFolders, FollowTheEnvironmentWhenItIsAbsolute) {
 
 TEST(LinuxLibrary, TellsWhyAFileDoesNotLoad) {
     const TemporaryFolder folder;
-    const testing::RecordingLogHook log;
+    const testing::HookedLog log;
+    testing::expectErrorLine("");
     const std::pair<std::string, int> cases[] = {
         {folder / "absent.so", ENOENT},
         {folder.path(), EISDIR},

@@ -6,7 +6,7 @@
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
 #include "platform/windows/RegistrySandbox.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
@@ -36,7 +36,7 @@ protected:
     /// Puts a library into a folder and loads it from there.
     static bool loads(const std::string& name, const std::string& folder) {
         EXPECT_TRUE(FileUtils().copyFile(besideProgram(name), folder + "\\neighbour.dll"));
-        mLog->clear();
+        mLog->take();
         LibraryHandle library = loadLibrary(L"neighbour.dll", platform::toWide(folder));
         return library != nullptr && platform::unload(library);
     }
@@ -44,7 +44,7 @@ protected:
     const RegistrySandbox mRegistry;
     const testing::TemporaryFolder mInstalled;
     const testing::TemporaryFolder mElsewhere;
-    static inline testing::RecordingLogHook* mLog = new testing::RecordingLogHook;
+    static inline testing::HookedLog* mLog = new testing::HookedLog;
 };
 
 } // namespace tarn::loader

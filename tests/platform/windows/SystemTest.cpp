@@ -4,7 +4,7 @@
 #include "platform/Text.h"
 #include "platform/ThreadDescription.h"
 #include "platform/windows/Kernel32.h"
-#include "support/RecordingLogHook.h"
+#include "support/LogRecorder.h"
 #include "support/Signal.h"
 
 #include <gmock/gmock.h>
@@ -58,11 +58,12 @@ TEST(WindowsThreadDescription, IsSeenFromAnotherThread) {
 }
 
 TEST(WindowsThreadDescription, AMissingFunctionIsLoggedUnderItsLine) {
-    const tarn::testing::RecordingLogHook log;
+    const tarn::testing::HookedLog log;
+    tarn::testing::expectErrorLine("");
     EXPECT_EQ(loadKernel32Function("NoSuchFunction"), nullptr);
     EXPECT_THAT(log.lines(),
                 ::testing::ElementsAre("<Error> Can't load NoSuchFunction from Kernel32"));
-    EXPECT_EQ(log.records().at(0).line, 75);
+    EXPECT_EQ(log.records().at(0).second.line, 75);
 }
 
 } // namespace
