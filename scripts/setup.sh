@@ -6,7 +6,7 @@ set -euo pipefail
 packages_build=(
     g++ cmake ninja-build ccache pkg-config git
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
-    libminizip-dev zlib1g-dev
+    libminizip-dev zlib1g-dev libxxhash-dev
     qt6-base-dev qt6-base-private-dev qt6-declarative-dev qt6-declarative-dev-tools
     qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools libqt6svg6 qt6-svg-dev
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts

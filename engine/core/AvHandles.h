@@ -2,6 +2,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
 #include <libavutil/audio_fifo.h>
 #include <libavutil/channel_layout.h>
@@ -51,6 +52,7 @@ using AvioPtr = std::unique_ptr<AVIOContext, AvioFree>;
 using ScalerPtr = std::unique_ptr<SwsContext, AvFreeObject<sws_freeContext>>;
 using ResamplerPtr = std::unique_ptr<SwrContext, AvFree<swr_free>>;
 using SampleFifoPtr = std::unique_ptr<AVAudioFifo, AvFreeObject<av_audio_fifo_free>>;
+using FilterPtr = std::unique_ptr<AVBSFContext, AvFree<av_bsf_free>>;
 
 template <class Handle>
 inline constexpr bool kOwnsAlone =

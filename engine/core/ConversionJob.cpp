@@ -85,7 +85,7 @@ void ConversionJob::convert() {
         muxer.writeHeader();
         PartJoiner(sources, plans, tracks, mLosses, mStop, progress).run();
         muxer.finish();
-        written = muxer.written();
+        written = muxer.takeWritten();
         if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
             throw Failure(ErrorCode::NothingToConvert,
                           "The sources hold neither sound nor picture");
@@ -94,7 +94,7 @@ void ConversionJob::convert() {
     settleLosses();
     destination.closeDurably();
     mStop.throwIfRaised();
-    verify(destination.temporaryPath(), destination.size(), written, mStop);
+    verify(destination, written, mStop);
     mStop.throwIfRaised();
     destination.commit();
     trace(TraceLevel::Info,

@@ -123,6 +123,9 @@ int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept 
         return AVERROR_EXIT;
     }
     if (file.mError == 0) {
+        file.mError = file.note(data, size);
+    }
+    if (file.mError == 0) {
         file.mError = file.mFile.writeAt(file.mPosition, data, static_cast<std::size_t>(size));
     }
     if (file.mError != 0) {
@@ -132,6 +135,15 @@ int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept 
     file.mSize = std::max(file.mSize, file.mPosition);
     file.pushOutWritten();
     return size;
+}
+
+int DestinationFile::note(const std::uint8_t* data, int size) noexcept {
+    try {
+        mFrame.note(mPosition, {data, static_cast<std::size_t>(size)});
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return ENOMEM;
+    }
 }
 
 void DestinationFile::pushOutWritten() {

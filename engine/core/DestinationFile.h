@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/FrameDigest.h"
 #include "engine/core/StopFlag.h"
 #include "engine/platform/OsFile.h"
 
@@ -25,6 +26,9 @@ public:
     AVIOContext* io() const { return mIo.get(); }
     const std::string& temporaryPath() const { return mTemporary; }
     std::uint64_t size() const { return mSize; }
+    /// All packets are written and flushed.
+    void beginIndex() { mFrame.beginIndex(mSize); }
+    const FrameDigest& frame() const { return mFrame; }
 
     /// Throws when any write so far failed.
     void throwIfFailed() const;
@@ -39,6 +43,7 @@ private:
     void refuseUnlessFree(const std::vector<std::string>& sources) const;
     void createTemporary();
     void removeLeftovers() const;
+    int note(const std::uint8_t* data, int size) noexcept;
     void pushOutWritten();
     [[noreturn]] void fail(int error, const char* doing) const;
 
@@ -51,6 +56,7 @@ private:
     std::uint64_t mPosition = 0;
     std::uint64_t mSize = 0;
     std::uint64_t mPushedOut = 0;
+    FrameDigest mFrame;
     int mError = 0;
     AvioPtr mIo;
 };

@@ -22,7 +22,9 @@ AVStream& Encoder::addTrack() {
     const auto parameters = owned<ParametersPtr>(avcodec_parameters_alloc());
     require(avcodec_parameters_from_context(parameters.get(), mCodec.get()), "encoder parameters");
     mTrack = mMuxer.written().size();
-    return mMuxer.addTrack(*parameters, mCodec->time_base);
+    AVStream& track = mMuxer.addTrack(*parameters, mCodec->time_base);
+    mMuxer.setTranscoded(mTrack);
+    return track;
 }
 
 void Encoder::encode(const AVFrame& frame, std::int64_t duration) {

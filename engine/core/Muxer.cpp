@@ -22,14 +22,9 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
     require(avcodec_parameters_copy(stream->codecpar, &parameters), "track parameters");
     stream->codecpar->codec_tag = 0; // the source container's, the muxer chooses its own
     stream->time_base = timeBase;
-    WrittenTrack track;
-    track.type = parameters.codec_type;
-    track.codec = parameters.codec_id;
-    track.width = parameters.width;
-    track.height = parameters.height;
-    track.sampleRate = parameters.sample_rate;
-    mWritten.push_back(track);
-    mLanes.push_back({Extent(parameters.codec_type), makePacket()});
+    mWritten.emplace_back(parameters);
+    Lane& lane = mLanes.emplace_back(Extent(parameters.codec_type));
+    lane.held = makePacket();
     return *stream;
 }
 
@@ -51,6 +46,7 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
         return; // MP4 has no place for it
     }
     const AVStream& stream = *mFormat->streams[track];
+    mLanes[track].adtsFilter.apply(packet, *stream.codecpar, timeBase);
     packet.stream_index = static_cast<int>(track);
     packet.pos = -1;
     if (packet.dts == kNoTime) {
@@ -64,9 +60,7 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
     }
     av_packet_rescale_ts(&packet, timeBase, stream.time_base);
     Lane& lane = mLanes[track];
-    if (lane.lastDts == kNoTime) {
-        lane.firstDts = packet.dts;
-    } else if (packet.dts <= lane.lastDts) {
+    if (lane.lastDts != kNoTime && packet.dts <= lane.lastDts) {
         if (isTraced(TraceLevel::Trace)) {
             trace(TraceLevel::Trace, text("Track ", track, ": decoding time ", packet.dts,
                                           " moved behind ", lane.lastDts));
@@ -77,7 +71,6 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
     lane.lastDts = packet.dts;
     lane.extent.add(toTicks(packet.pts, stream.time_base),
                     toTicks(packet.duration, stream.time_base));
-    mWritten[track].packets++;
     writeHeld(track, 1);
     av_packet_move_ref(lane.held.get(), &packet);
 }
@@ -88,6 +81,7 @@ void Muxer::writeHeld(std::size_t track, std::int64_t duration) {
         return;
     }
     packet.duration = duration;
+    mWritten[track].add(packet, mFormat->streams[track]->time_base);
     throwIfFailed(av_interleaved_write_frame(mFormat.get(), &packet), "write a packet");
 }
 
@@ -101,9 +95,6 @@ void Muxer::finishTrack(std::size_t track) {
     const AVRational base = mFormat->streams[track]->time_base;
     const std::int64_t end = av_rescale_q(lane.extent.end(), kTicks, base);
     const std::int64_t duration = std::clamp<std::int64_t>(end - lane.held->pts, 1, INT32_MAX);
-    const std::int64_t decoded = addTimes(lane.lastDts, duration) - lane.firstDts;
-    mWritten[track].duration =
-        std::min(lane.extent.end() - lane.extent.begin(), toTicks(decoded, base));
     writeHeld(track, duration);
 }
 
@@ -111,6 +102,9 @@ void Muxer::finish() {
     for (std::size_t track = 0; track < mLanes.size(); ++track) {
         finishTrack(track);
     }
+    throwIfFailed(av_interleaved_write_frame(mFormat.get(), nullptr), "write the last packets");
+    avio_flush(mFormat->pb);
+    mFile.beginIndex();
     throwIfFailed(av_write_trailer(mFormat.get()), "complete the MP4 file");
     avio_flush(mFormat->pb);
     throwIfFailed(mFormat->pb->error, "complete the MP4 file");

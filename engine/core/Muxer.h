@@ -1,24 +1,15 @@
 #pragma once
 
+#include "engine/core/AdtsFilter.h"
 #include "engine/core/AvHandles.h"
 #include "engine/core/DestinationFile.h"
 #include "engine/core/Extent.h"
+#include "engine/core/WrittenTrack.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace zelcore {
-
-/// What went into one track of the destination; the verifier finds the same there, or fails.
-struct WrittenTrack {
-    AVMediaType type = AVMEDIA_TYPE_UNKNOWN;
-    AVCodecID codec = AV_CODEC_ID_NONE;
-    int width = 0;
-    int height = 0;
-    int sampleRate = 0;
-    std::int64_t packets = 0;
-    Ticks duration = 0;
-};
 
 /// The MP4 file under construction. Tracks first, then writeHeader, packets, finish.
 class Muxer {
@@ -35,6 +26,9 @@ public:
     void finish();
 
     const std::vector<WrittenTrack>& written() const { return mWritten; }
+    std::vector<WrittenTrack> takeWritten() { return std::move(mWritten); }
+    /// For a track whose packets an encoder made.
+    void setTranscoded(std::size_t track) { mWritten[track].isTranscoded = true; }
 
 private:
     void throwIfFailed(int result, const char* doing) const;
@@ -42,8 +36,8 @@ private:
     struct Lane {
         Extent extent;
         PacketPtr held; ///< the last packet, whose duration is known only at the end
-        std::int64_t firstDts = kNoTime;
         std::int64_t lastDts = kNoTime;
+        AdtsFilter adtsFilter;
     };
     void writeHeld(std::size_t track, std::int64_t duration);
     void finishTrack(std::size_t track);

@@ -1,87 +1,86 @@
 #include "engine/core/Verifier.h"
 
-#include "engine/core/SourceFile.h"
-#include "engine/core/Trace.h"
+#include "engine/core/DecodingCheck.h"
+#include "engine/core/Failure.h"
+#include "engine/core/IndexCheck.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <iterator>
+#include <array>
 
 namespace zelcore {
 
 namespace {
 
-constexpr double kToleratedSeconds = 0.1;
-
-template <class Value>
-void expect(const char* what, const Value& wanted, const Value& found) {
-    if (wanted != found) {
-        throw Failure(ErrorCode::VerificationFailed,
-                      text("The finished file has ", what, " ", found, " instead of ", wanted));
-    }
+[[noreturn]] void refuse(const std::string& why) {
+    throw Failure(ErrorCode::VerificationFailed, "The finished file " + why);
 }
 
-DemuxerPtr open(const SourceFile& file) {
-    AVFormatContext* demuxer = owned<DemuxerPtr>(avformat_alloc_context()).release();
-    demuxer->pb = file.io();
-    demuxer->flags |= AVFMT_FLAG_CUSTOM_IO;
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", "mov,mp4", 0);
-    av_dict_set(&options, "ignore_editlist", "1", 0); // every packet counts, also those not shown
-    const int result = avformat_open_input(&demuxer, "", nullptr, &options);
-    av_dict_free(&options);
-    if (result < 0) {
-        throw Failure(ErrorCode::VerificationFailed,
-                      text("The finished file cannot be opened: ", ffmpegErrorText(result)));
-    }
-    return DemuxerPtr(demuxer);
-}
-
-void compare(AVStream& stream, const WrittenTrack& track, std::uint64_t size) {
-    const AVCodecParameters& found = *stream.codecpar;
-    expect("a track of type", static_cast<int>(track.type), static_cast<int>(found.codec_type));
-    expect("a track of codec", static_cast<int>(track.codec), static_cast<int>(found.codec_id));
-    if (track.type == AVMEDIA_TYPE_VIDEO) {
-        expect("a width of", track.width, found.width);
-        expect("a height of", track.height, found.height);
-    }
-    expect("packets", track.packets, stream.nb_frames);
-    const int entries = avformat_index_get_entries_count(&stream);
-    for (int i = 0; i < entries; ++i) {
-        const AVIndexEntry& entry = *avformat_index_get_entry(&stream, i);
-        if (entry.pos < 0 ||
-            static_cast<std::uint64_t>(entry.pos) + static_cast<std::uint64_t>(entry.size) > size) {
-            throw Failure(ErrorCode::VerificationFailed,
-                          text("The finished file's packet ", i, " lies outside of it"));
+/// Calls `use` with each piece of a range of the file.
+template <class Use>
+void readAll(const OsFile& file, std::uint64_t begin, std::uint64_t end, const StopFlag& stop,
+             Use use) {
+    std::vector<std::uint8_t> buffer(64 * 1024);
+    while (begin < end) {
+        stop.throwIfRaised();
+        int error = 0;
+        const std::int64_t got = file.readAt(
+            begin, buffer.data(), std::min<std::size_t>(buffer.size(), end - begin), error);
+        if (got <= 0) {
+            refuse(got < 0 ? "cannot be read: " + systemErrorText(error) : "is cut short");
         }
+        use(std::span(buffer).first(static_cast<std::size_t>(got)));
+        begin += static_cast<std::uint64_t>(got);
     }
-    const double wanted = toSeconds(track.duration);
-    const double duration = stream.duration == kNoTime
-                                ? 0
-                                : static_cast<double>(stream.duration) * av_q2d(stream.time_base);
-    if (std::abs(wanted - duration) > kToleratedSeconds) {
-        throw Failure(
-            ErrorCode::VerificationFailed,
-            text("The finished file's track lasts ", duration, " s instead of ", wanted, " s"));
+}
+
+/// What lies before the first packet and behind the last one.
+void compareFrame(const OsFile& file, const FrameDigest& frame, std::uint64_t firstPacket,
+                  std::uint64_t size, const StopFlag& stop) {
+    const auto head = std::span(frame.head());
+    if (!frame.isCertain() || firstPacket > head.size()) {
+        refuse("was not written as expected");
+    }
+    std::size_t at = 0;
+    readAll(file, 0, firstPacket, stop, [&](std::span<const std::uint8_t> bytes) {
+        if (!std::ranges::equal(bytes, head.subspan(at, bytes.size()))) {
+            refuse("begins in another way than was written");
+        }
+        at += bytes.size();
+    });
+    RunningHash hash;
+    readAll(file, frame.indexBegin(), size, stop,
+            [&](std::span<const std::uint8_t> bytes) { hash.add(bytes.data(), bytes.size()); });
+    if (hash.value() != frame.indexHash()) {
+        refuse("has another index than was written");
     }
 }
 
 } // namespace
 
-void verify(const std::string& path, std::uint64_t size, const std::vector<WrittenTrack>& written,
+void verify(const DestinationFile& destination, const std::vector<WrittenTrack>& written,
             const StopFlag& stop) {
-    const SourceFile file(path, stop);
-    expect("a size of", size, file.state().size);
-    const DemuxerPtr demuxer = open(file);
-    // A track that got no packet, as of a microphone that was muted all along, is not in the file.
-    std::vector<WrittenTrack> expected;
-    std::ranges::copy_if(written, std::back_inserter(expected),
-                         [](const WrittenTrack& track) { return track.packets > 0; });
-    expect("tracks", expected.size(), static_cast<std::size_t>(demuxer->nb_streams));
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        compare(*demuxer->streams[i], expected[i], size);
+    const std::uint64_t size = destination.size();
+    const FrameDigest& frame = destination.frame();
+    OsFile file;
+    FileState state;
+    if (const int error = OsFile::openForReading(destination.temporaryPath(), file);
+        error != 0 || file.state(state) != 0) {
+        refuse("cannot be opened: " + systemErrorText(error));
     }
-    file.throwIfUnsound();
+    if (state.size != size) {
+        refuse(text("has ", state.size, " bytes instead of ", size));
+    }
+    IndexCheck index(file, size, written, stop);
+    std::vector<StoredSample> samples = index.samples(frame.indexBegin());
+    const std::uint64_t firstPacket = samples.front().position;
+    PacketCheck packets(destination.temporaryPath(), file, std::move(samples), stop);
+    compareFrame(file, frame, firstPacket, size, stop);
+    index.compareTimes();
+    packets.finish();
+    decodeHereAndThere(file, size, written, stop);
+    if (FileState now; file.state(now) != 0 || now != state) {
+        refuse("changed while it was compared");
+    }
 }
 
 } // namespace zelcore

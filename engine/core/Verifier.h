@@ -1,17 +1,18 @@
 #pragma once
 
-#include "engine/core/Muxer.h"
+#include "engine/core/DestinationFile.h"
 #include "engine/core/StopFlag.h"
+#include "engine/core/WrittenTrack.h"
 
-#include <string>
 #include <vector>
 
 namespace zelcore {
 
-/// Opens a finished file anew, by its name, and compares what a player would find in it with what
-/// was written: tracks, codecs, sizes, packets, durations, and that every packet lies inside the
-/// file. Throws VerificationFailed.
-void verify(const std::string& path, std::uint64_t size, const std::vector<WrittenTrack>& written,
+/// Opens a finished destination anew, by its temporary name, and compares all of it with what was
+/// written: the bytes of every packet where the index has it, every time, decoder data, and the
+/// bytes around the packets. Decodes here and there what an encoder of ours made. Throws
+/// VerificationFailed.
+void verify(const DestinationFile& destination, const std::vector<WrittenTrack>& written,
             const StopFlag& stop);
 
 } // namespace zelcore

@@ -33,6 +33,9 @@ public:
 
     /// 0 or an errno value. A pipe or device is opened without waiting for its other end.
     static int openForReading(const std::string& path, OsFile& file);
+    /// For reading what the disk has, past the system's cache: positions, sizes and memory in
+    /// multiples of 4096 bytes. An errno value also where the file system offers no such thing.
+    static int openPastCache(const std::string& path, OsFile& file);
     /// As openForReading, and marks the file as in use, see createNew.
     static int openInUse(const std::string& path, OsFile& file);
     /// Creates a file that must not exist yet, for reading and writing, marked as in use until it

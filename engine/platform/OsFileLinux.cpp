@@ -49,6 +49,15 @@ int OsFile::openForReading(const std::string& path, OsFile& file) {
     return error;
 }
 
+int OsFile::openPastCache(const std::string& path, OsFile& file) {
+    Handle handle = kNone;
+    const int error = open(path, O_RDONLY | O_DIRECT | O_NONBLOCK | O_NOCTTY, handle);
+    if (error == 0) {
+        file = OsFile(handle);
+    }
+    return error;
+}
+
 int OsFile::openForState(const std::string& path, OsFile& file) {
     Handle handle = kNone;
     const int error = open(path, O_PATH, handle);

@@ -61,6 +61,15 @@ int OsFile::openForReading(const std::string& path, OsFile& file) {
     return error;
 }
 
+int OsFile::openPastCache(const std::string& path, OsFile& file) {
+    Handle handle = kNone;
+    const int error = open(path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_NO_BUFFERING, handle);
+    if (error == 0) {
+        file = OsFile(handle);
+    }
+    return error;
+}
+
 // Whatever is open is in use here: see removeUnlessInUse, which shares a file with nobody.
 int OsFile::openInUse(const std::string& path, OsFile& file) {
     return openForReading(path, file);

@@ -1,49 +1,177 @@
 #include "engine/EngineUnderTest.h"
+#include "engine/core/Muxer.h"
 #include "engine/core/Verifier.h"
+
+#include <fstream>
 
 // Faults that no conversion can bring about from outside.
 namespace zelcore::testing {
 
 using tarn::testing::readFile;
 using tarn::testing::TemporaryFolder;
-using Tracks = std::vector<WrittenTrack>;
 
-TEST(Verification, PassesTheWholeFileThatWasWrittenAndNothingElse) {
-    const TemporaryFolder folder;
-    const std::string whole = readFile(recording("h264-aac.mp4"));
-    const Tracks written = {{AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_H264, 160, 120, 0, 30, 2 * kTicks.den},
-                            {AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_AAC, 0, 0, 48000, 95, 2 * kTicks.den}};
-    const auto isPassed = [&](const std::string& content, const Tracks& tracks) {
+/// A recording copied packet by packet, up to where a conversion verifies what it wrote.
+class Verification : public ::testing::Test {
+protected:
+    Verification() {
+        AVFormatContext* opened = nullptr;
+        require(avformat_open_input(&opened, recording("h264-aac.mkv").c_str(), nullptr, nullptr),
+                "recording");
+        const DemuxerPtr demuxer(opened);
+        require(avformat_find_stream_info(opened, nullptr), "recording");
+        Muxer muxer(mFile);
+        for (unsigned i = 0; i < opened->nb_streams; ++i) {
+            muxer.addTrack(*opened->streams[i]->codecpar, opened->streams[i]->time_base);
+        }
+        muxer.writeHeader();
+        const PacketPtr packet = makePacket();
+        while (av_read_frame(opened, packet.get()) >= 0) {
+            const auto track = static_cast<std::size_t>(packet->stream_index);
+            // Matroska tells no decoding times in the beginning.
+            packet->dts = packet->dts == kNoTime ? packet->pts - 1000 : packet->dts;
+            muxer.write(track, *packet, opened->streams[track]->time_base);
+        }
+        muxer.finish();
+        mWritten = muxer.takeWritten();
+        mFile.closeDurably();
+        mContent = readFile(mFile.temporaryPath());
+    }
+
+    bool isPassed(const std::string& content) const {
+        std::ofstream(mFile.temporaryPath(), std::ios::binary) << content;
+        return isPassed();
+    }
+    bool isPassed() const {
         try {
-            verify(folder.write("file.mp4", content), content.size(), tracks, StopFlag());
+            verify(mFile, mWritten, mStop);
             return true;
         } catch (const Failure& failure) {
-            EXPECT_EQ(failure.code(), ErrorCode::VerificationFailed);
+            EXPECT_EQ(failure.code(), ErrorCode::VerificationFailed) << failure.what();
             return false;
         }
-    };
-    EXPECT_TRUE(isPassed(whole, written));
-    void (*const lies[])(Tracks&) = {
-        [](Tracks& tracks) { tracks.pop_back(); },
-        [](Tracks& tracks) { tracks.push_back(tracks.back()); },
-        [](Tracks& tracks) { tracks[0].codec = AV_CODEC_ID_HEVC; },
-        [](Tracks& tracks) { tracks[0].height = 118; },
-        [](Tracks& tracks) { tracks[1].packets++; },
-        [](Tracks& tracks) { tracks[1].duration -= kTicks.den / 5; },
-    };
-    for (const auto& lie : lies) {
-        Tracks tracks = written;
-        lie(tracks);
-        EXPECT_FALSE(isPassed(whole, tracks));
     }
-    const auto index = whole.find("moov") - 4;
-    for (const std::string& spoilt :
-         {whole.substr(0, whole.size() / 2), std::string(whole.size(), '\0'),
-          // The index in front, and a piece of what it speaks of missing.
-          whole.substr(0, 32) + whole.substr(index) + whole.substr(32, 20'000)}) {
-        EXPECT_FALSE(isPassed(spoilt, written));
+    /// Where the payload of the n-th box of a kind begins.
+    std::size_t box(const std::string& kind, int number = 0) const {
+        std::size_t at = mContent.find("moov");
+        for (int i = 0; i <= number; ++i) {
+            at = mContent.find(kind, at) + kind.size();
+        }
+        EXPECT_LT(at, mContent.size()) << kind;
+        return at;
     }
-    EXPECT_THROW(verify(folder / "file.mp4", whole.size(), written, StopFlag()), Failure);
+
+    TemporaryFolder mFolder;
+    StopFlag mStop;
+    DestinationFile mFile{mFolder / "out.mp4", {}, mStop};
+    std::vector<WrittenTrack> mWritten;
+    std::string mContent;
+};
+
+TEST_F(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
+    const std::size_t packets = mContent.find("mdat") + 4;
+    const std::size_t index = mContent.find("moov") - 4;
+    const std::size_t size = index - packets;
+    using Damage = std::function<void(std::string&)>;
+    const auto fill = [](std::size_t at, std::size_t count, char byte = 0) -> Damage {
+        return [=](std::string& file) { file.replace(at, count, count, byte); };
+    };
+    const auto flip = [](std::size_t at) -> Damage {
+        return [=](std::string& file) { file[at] = static_cast<char>(file[at] ^ 1); };
+    };
+    const auto swap = [](std::size_t a, std::size_t b, std::size_t count) -> Damage {
+        return [=](std::string& file) { std::swap_ranges(&file[a], &file[a] + count, &file[b]); };
+    };
+    const auto rename = [&](const std::string& kind, const std::string& to, int number = 0) {
+        const std::size_t at = box(kind, number) - 4;
+        return Damage([=](std::string& file) { file.replace(at, 4, to); });
+    };
+    const std::pair<const char*, Damage> damages[] = {
+        {"packets all zero", fill(packets, size)},
+        {"first packet's first bit", flip(packets)},
+        {"last packet's last bit", flip(index - 1)},
+        {"a bit in the middle", flip(packets + size / 2)},
+        {"a page of zeros", fill(packets + size / 3, 4096)},
+        {"a write of another place", swap(packets + 512, packets + size / 2, 4096)},
+        {"everything a byte late", [=](std::string& file) {
+             std::rotate(&file[packets], &file[index] - 1, &file[index]);
+         }},
+        {"a piece missing", [=](std::string& file) { file.erase(packets + 99, 512); }},
+        {"a piece twice", [=](std::string& file) { file.insert(packets, file, packets, 512); }},
+        {"cut at the half", [](std::string& file) { file.resize(file.size() / 2); }},
+        {"cut by a byte", [](std::string& file) { file.pop_back(); }},
+        {"cut before the index", [=](std::string& file) { file.resize(index); }},
+        {"a byte more", [](std::string& file) { file += 'x'; }},
+        {"empty", [](std::string& file) { file.clear(); }},
+        {"all zero", fill(0, mContent.size())},
+        {"another file", [](std::string& file) { file = readFile(recording("h264-aac.mp4")); }},
+        {"kind of file", flip(8)},
+        {"size of the packets", fill(packets - 8, 4)},
+        {"index all zero", fill(index, mContent.size() - index)},
+        {"index renamed", rename("moov", "free")},
+        {"duration of all", fill(box("mvhd") + 16, 4)},
+        {"a track gone", rename("trak", "free", 1)},
+        {"orientation", fill(box("tkhd") + 40, 4, 1)},
+        {"shown width", fill(box("tkhd") + 76, 4, 1)},
+        {"edit list gone", rename("edts", "free")},
+        {"edit list's begin", flip(box("elst") + 15)},
+        {"a track's clock", flip(box("mdhd") + 15)},
+        {"a track's duration", flip(box("mdhd") + 19)},
+        {"language", flip(box("mdhd") + 21)},
+        {"sort of track", fill(box("hdlr") + 8, 4, 'x')},
+        {"codec", rename("avc1", "hvc1")},
+        {"width", flip(box("avc1") + 25)},
+        {"decoder data", fill(box("avcC"), 20)},
+        {"decoder data's end", flip(box("avcC") + 30)},
+        {"sound's decoder data", fill(box("esds") + 4, 30)},
+        {"colours", rename("pasp", "free")},
+        {"decoding times", flip(box("stts") + 15)},
+        {"order of showing", flip(box("ctts") + 15)},
+        {"key frames", flip(box("stss") + 11)},
+        {"packets per chunk", flip(box("stsc") + 15)},
+        {"a packet's size", flip(box("stsz") + 15)},
+        {"two sizes swapped", swap(box("stsz") + 12, box("stsz") + 16, 4)},
+        {"a place", flip(box("stco") + 11)},
+        {"all places equal", [at = box("stco")](std::string& file) {
+             for (std::size_t i = 0; i < 5; ++i) {
+                 file.replace(at + 12 + 4 * i, 4, file, at + 8, 4);
+             }
+         }},
+        {"two places swapped", swap(box("stco") + 8, box("stco") + 12, 4)},
+        {"metadata", rename("udta", "free")},
+    };
+    EXPECT_TRUE(isPassed());
+    for (const auto& [name, damage] : damages) {
+        std::string content = mContent;
+        damage(content);
+        ASSERT_NE(content, mContent) << name;
+        EXPECT_FALSE(isPassed(content)) << name;
+    }
+    EXPECT_TRUE(isPassed(mContent));
+}
+
+TEST_F(Verification, NoticesAFileThatIsNotWhatWentIntoTheMuxer) {
+    void (*const lies[])(std::vector<WrittenTrack>&) = {
+        [](auto& tracks) { tracks.pop_back(); },
+        [](auto& tracks) {
+            tracks.push_back(WrittenTrack(AVCodecParameters{})), tracks.back().packets = 1;
+        },
+        [](auto& tracks) { tracks[0].codec = AV_CODEC_ID_HEVC; },
+        [](auto& tracks) { tracks[0].height = 118; },
+        [](auto& tracks) { tracks[0].decoderData[8] ^= 1; },
+        [](auto& tracks) { tracks[0].times ^= 1; },
+        [](auto& tracks) { tracks[0].firstPts += tracks[0].timeBase.den / 5; },
+        [](auto& tracks) { tracks[0].hashes[3] ^= 1; },
+        [](auto& tracks) { tracks[1].sampleRate = 44100; },
+        [](auto& tracks) { tracks[1].packets++; },
+        [](auto& tracks) { tracks[1].timeBase.den = 44100; },
+        [](auto& tracks) { tracks[1].hashes.back() ^= 1; },
+    };
+    const auto truth = mWritten;
+    for (std::size_t i = 0; i < std::size(lies); ++i) {
+        mWritten = truth;
+        lies[i](mWritten);
+        EXPECT_FALSE(isPassed()) << i;
+    }
 }
 
 } // namespace zelcore::testing

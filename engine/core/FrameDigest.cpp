@@ -1,0 +1,39 @@
+#include "engine/core/FrameDigest.h"
+
+#include <algorithm>
+
+namespace zelcore {
+
+namespace {
+
+// The muxer puts less than a hundred bytes before the first packet.
+constexpr std::size_t kHeadSize = 4096;
+
+} // namespace
+
+void FrameDigest::note(std::uint64_t position, std::span<const std::uint8_t> bytes) {
+    const std::uint64_t end = position + bytes.size();
+    if (position < kHeadSize) {
+        const auto size = std::min<std::size_t>(bytes.size(), kHeadSize - position);
+        mHead.resize(std::max<std::size_t>(mHead.size(), position + size));
+        std::copy_n(bytes.begin(), size, mHead.begin() + static_cast<std::ptrdiff_t>(position));
+    }
+    const bool isMended = end <= mEnd;
+    if (isMended ? end > kHeadSize : position != mEnd) {
+        mIsCertain = false;
+    }
+    if (end > mIndexBegin) {
+        if (position < mIndexBegin) {
+            bytes = bytes.subspan(static_cast<std::size_t>(mIndexBegin - position));
+        }
+        mIndex.add(bytes.data(), bytes.size());
+    }
+    mEnd = std::max(mEnd, end);
+}
+
+void FrameDigest::beginIndex(std::uint64_t position) {
+    mIndexBegin = position;
+    mIsCertain = mIsCertain && position == mEnd;
+}
+
+} // namespace zelcore

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "engine/core/ContentHash.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace zelcore {
+
+/// The bytes of the destination around its packets: those before, which the muxer mends at the end,
+/// and the index behind, as they were handed to the system.
+class FrameDigest {
+public:
+    /// Every write, in order.
+    void note(std::uint64_t position, std::span<const std::uint8_t> bytes);
+    /// All packets are written; what comes from here on is the index.
+    void beginIndex(std::uint64_t position);
+
+    std::uint64_t indexBegin() const { return mIndexBegin; }
+    /// The file's first bytes.
+    const std::vector<std::uint8_t>& head() const { return mHead; }
+    std::uint64_t indexHash() const { return mIndex.value(); }
+    /// False when something was written that neither tells: then nobody can vouch for the file.
+    bool isCertain() const { return mIsCertain; }
+
+private:
+    std::vector<std::uint8_t> mHead;
+    RunningHash mIndex;
+    std::uint64_t mIndexBegin = UINT64_MAX;
+    std::uint64_t mEnd = 0;
+    bool mIsCertain = true;
+};
+
+} // namespace zelcore
