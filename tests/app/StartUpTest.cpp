@@ -43,7 +43,7 @@ TEST(QtMessageHandler, WritesEachTypeAtItsLevelWithWhatIsKnownOfThePlace) {
         {QtFatalMsg, {nullptr, 0, "f", "default"}, "<Error> f, Grüße"},
     };
     for (const auto& message : messages) {
-        const tarn::testing::RecordingLogHook log;
+        const tarn::testing::HookedLog log;
         qtMessageHandler(message.type, message.context, QStringLiteral("Grüße"));
         EXPECT_THAT(log.lines(), testing::ElementsAre(message.line));
     }
