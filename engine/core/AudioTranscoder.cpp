@@ -80,10 +80,8 @@ AudioTranscoder::AudioTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& lo
     copyTrackProperties(*plan.reference, mEncoder.addTrack());
 }
 
-void AudioTranscoder::beginPart(const AVStream& stream, Ticks offset) {
+void AudioTranscoder::beginPart(const AVStream& stream) {
     mDecoder.emplace(stream);
-    mTimeBase = stream.time_base;
-    mOffset = offset;
 }
 
 void AudioTranscoder::accept(AVPacket& packet) {
@@ -113,8 +111,7 @@ void AudioTranscoder::take(const AVFrame& sound) {
     const AVRational samples = mEncoder.codec().time_base;
     if (sound.best_effort_timestamp != kNoTime) {
         // The resampler's own delay lies between the queue's end and this frame.
-        bridgeTo(av_rescale_q(addTimes(toTicks(sound.best_effort_timestamp, mTimeBase), mOffset),
-                              kTicks, samples) -
+        bridgeTo(av_rescale_q(sound.best_effort_timestamp, kTicks, samples) -
                  swr_get_delay(mResampler.get(), samples.den));
     } else if (mQueueEnd == kNoTime) {
         mQueueEnd = 0;

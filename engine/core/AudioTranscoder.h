@@ -14,7 +14,7 @@ class AudioTranscoder : public Track {
 public:
     AudioTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
-    void beginPart(const AVStream& stream, Ticks offset) override;
+    void beginPart(const AVStream& stream) override;
     void accept(AVPacket& packet) override;
     void endPart() override;
     void finish() override;
@@ -39,8 +39,6 @@ private:
     ResamplerPtr mResampler;
     FramePtr mFormat; ///< what the resampler takes; it has no samples
     std::optional<Decoder> mDecoder;
-    AVRational mTimeBase{};
-    Ticks mOffset = 0;
     std::int64_t mQueueEnd = kNoTime; ///< time of the sample that comes next into the queue
     int mToSkip = 0;                  ///< samples of an overlap that are still to be cut
 };

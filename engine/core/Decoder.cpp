@@ -14,8 +14,8 @@ Decoder::Decoder(const AVStream& stream) : mFrame(makeFrame()) {
     }
     mCodec = owned<CodecPtr>(avcodec_alloc_context3(codec));
     require(avcodec_parameters_to_context(mCodec.get(), &parameters), "decoder parameters");
-    mCodec->pkt_timebase = stream.time_base;
-    mCodec->thread_count = 0; // as many as there are processors
+    mCodec->pkt_timebase = kTicks; // of the packets that it gets here
+    mCodec->thread_count = 0;      // as many as there are processors
     if (const int result = avcodec_open2(mCodec.get(), codec, nullptr); result < 0) {
         throw Failure(ErrorCode::UnsupportedCodec,
                       text("Decoder ", codec->name, " refuses: ", ffmpegErrorText(result)));

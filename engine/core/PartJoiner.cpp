@@ -3,9 +3,34 @@
 #include "engine/core/Trace.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace zelcore {
+
+namespace {
+
+constexpr std::size_t kMostWaitingBytes = 32'000'000;
+// No recording has such times; sums of a few of them stay in range.
+constexpr Ticks kBeyondAllTimes = INT64_MAX / 8;
+
+Ticks readTime(std::int64_t time, AVRational base) {
+    const Ticks ticks = time == kNoTime ? kNoTime : toTicks(time, base);
+    return ticks > kBeyondAllTimes || ticks < -kBeyondAllTimes ? kNoTime : ticks;
+}
+
+/// How much of a packet nobody is to see or hear: what an edit list leaves out, and what encoders
+/// put before the sound. `packet` counts in ticks.
+Ticks hiddenPart(const AVPacket& packet, const AVCodecParameters& parameters) {
+    if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) {
+        return packet.duration;
+    }
+    std::size_t size = 0;
+    const std::uint8_t* skip = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    const std::int64_t samples = std::max<std::int64_t>(
+        skip != nullptr && size >= 4 ? AV_RL32(skip) : 0, parameters.initial_padding);
+    return parameters.sample_rate > 0 ? av_rescale(samples, kTicks.den, parameters.sample_rate) : 0;
+}
+
+} // namespace
 
 PartJoiner::PartJoiner(const Sources& sources, const std::vector<TrackPlan>& plans,
                        const std::vector<std::unique_ptr<Track>>& tracks, Losses& losses,
@@ -16,13 +41,9 @@ PartJoiner::PartJoiner(const Sources& sources, const std::vector<TrackPlan>& pla
       mLosses(losses),
       mStop(stop),
       mProgress(progress) {
-    bool isKnown = true;
     for (const auto& source : sources) {
-        isKnown = isKnown && source->duration() > 0;
-        mTotal += source->duration();
         mBytes += source->state().size;
     }
-    mTotal = isKnown ? mTotal : 0;
 }
 
 void PartJoiner::run() {
@@ -40,62 +61,101 @@ void PartJoiner::run() {
 
 void PartJoiner::runPart(std::size_t part) {
     Source& source = *mSources[part];
-    // A first part may begin a little before zero, which is how encoders' start-up samples are
-    // kept out of hearing; a later one must not reach back into the part before it.
-    const Ticks start = source.start();
-    const Ticks offset = part == 0 ? -std::max<Ticks>(start, 0) : addTimes(mEnd, -start);
-    std::vector<std::optional<std::size_t>> trackOf(source.streamCount());
-    for (std::size_t track = 0; track < mPlans.size(); ++track) {
-        if (const auto stream = mPlans[track].streamOfPart[part]) {
-            trackOf[*stream] = track;
-            mTracks[track]->beginPart(source.stream(*stream), offset);
-        }
-    }
-    Ticks end = mEnd;
+    const TrackOfStream trackOf = beginPart(part);
+    Timeline timeline = timelineOf(part);
     const PacketPtr packet = makePacket();
     while (source.read(*packet)) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
         if (index >= trackOf.size() || !trackOf[index]) {
             source.throwIfNeeded(index);
         } else {
-            end = std::max(end, endOf(*packet, source.stream(index), offset));
-            noteProgress(*packet, source, end);
-            mTracks[*trackOf[index]]->accept(*packet);
+            noteProgress(*packet, source);
+            take(*packet, source.stream(index), *trackOf[index], timeline);
         }
         av_packet_unref(packet.get());
         mStop.throwIfRaised();
     }
     mStop.throwIfRaised();
+    while (timeline.hasWaiting()) {
+        timeline.decide();
+    }
+    deliver(timeline);
     for (const auto& track : trackOf) {
         if (track) {
             mTracks[*track]->endPart();
         }
     }
-    trace(TraceLevel::Debug,
-          text("Part ", part + 1, " covers ", toSeconds(mEnd), " s to ", toSeconds(end), " s"));
-    mEnd = end;
+    trace(TraceLevel::Debug, text("Part ", part + 1, " covers ", toSeconds(mEnd), " s to ",
+                                  toSeconds(timeline.end()), " s"));
+    mEnd = timeline.end();
 }
 
-Ticks PartJoiner::endOf(const AVPacket& packet, const AVStream& stream, Ticks offset) {
-    const std::int64_t time = packet.pts == kNoTime ? packet.dts : packet.pts;
-    if (time == kNoTime) {
-        return 0;
+PartJoiner::TrackOfStream PartJoiner::beginPart(std::size_t part) {
+    const Source& source = *mSources[part];
+    TrackOfStream trackOf(source.streamCount());
+    for (std::size_t track = 0; track < mPlans.size(); ++track) {
+        if (const auto stream = mPlans[track].streamOfPart[part]) {
+            trackOf[*stream] = track;
+            mTracks[track]->beginPart(source.stream(*stream));
+        }
     }
-    std::int64_t duration = packet.duration;
-    if (duration <= 0 && stream.avg_frame_rate.num > 0) {
-        duration = av_rescale_q(1, av_inv_q(stream.avg_frame_rate), stream.time_base);
-    }
-    return addTimes(toTicks(addTimes(time, std::max<std::int64_t>(duration, 0)), stream.time_base),
-                    offset);
+    return trackOf;
 }
 
-void PartJoiner::noteProgress(const AVPacket& packet, const Source& source, Ticks end) {
-    if (mTotal > 0) {
-        mProgress.update(static_cast<double>(end) / static_cast<double>(mTotal));
+Timeline PartJoiner::timelineOf(std::size_t part) const {
+    const Source& source = *mSources[part];
+    std::vector<AVMediaType> lanes;
+    for (const TrackPlan& plan : mPlans) {
+        const auto stream = plan.streamOfPart[part];
+        lanes.push_back(stream ? source.stream(*stream).codecpar->codec_type
+                               : AVMEDIA_TYPE_UNKNOWN);
+    }
+    return Timeline(mEnd, lanes, (source.format().iformat->flags & AVFMT_TS_DISCONT) != 0);
+}
+
+void PartJoiner::take(AVPacket& packet, const AVStream& stream, std::size_t track,
+                      Timeline& timeline) {
+    packet.dts = readTime(packet.dts, stream.time_base);
+    packet.pts = readTime(packet.pts, stream.time_base);
+    packet.duration = std::max<Ticks>(readTime(packet.duration, stream.time_base), 0);
+    timeline.add(
+        {track, packet.dts, packet.pts, packet.duration, hiddenPart(packet, *stream.codecpar)});
+    mWaitingBytes += static_cast<std::size_t>(packet.size);
+    mWaiting.push_back({makePacket(), track});
+    av_packet_move_ref(mWaiting.back().packet.get(), &packet);
+    while (mWaitingBytes > kMostWaitingBytes && timeline.hasWaiting()) {
+        timeline.decide();
+        deliver(timeline);
+    }
+    deliver(timeline);
+}
+
+void PartJoiner::deliver(Timeline& timeline) {
+    while (timeline.hasOffset()) {
+        const Waiting next = std::move(mWaiting.front());
+        mWaiting.pop_front();
+        AVPacket& packet = *next.packet;
+        mWaitingBytes -= static_cast<std::size_t>(packet.size);
+        const Ticks offset = timeline.takeOffset();
+        packet.dts = packet.dts == kNoTime ? kNoTime : addTimes(packet.dts, offset);
+        packet.pts = packet.pts == kNoTime ? kNoTime : addTimes(packet.pts, offset);
+        mTracks[next.track]->accept(packet);
+    }
+}
+
+void PartJoiner::noteProgress(const AVPacket& packet, const Source& source) {
+    const auto size = static_cast<double>(source.state().size);
+    const Ticks time = readTime(
+        packet.pts, source.stream(static_cast<std::size_t>(packet.stream_index)).time_base);
+    double done = 0;
+    if (source.duration() > 0 && time != kNoTime) {
+        done = size * static_cast<double>(time - source.start()) /
+               static_cast<double>(source.duration());
     } else if (packet.pos >= 0) {
-        const auto done = std::min(static_cast<std::uint64_t>(packet.pos), source.state().size);
-        mProgress.update(static_cast<double>(mBefore + done) / static_cast<double>(mBytes));
+        done = static_cast<double>(packet.pos);
     }
+    mProgress.update((static_cast<double>(mBefore) + std::clamp(done, 0.0, size)) /
+                     static_cast<double>(mBytes));
 }
 
 } // namespace zelcore

@@ -3,15 +3,18 @@
 #include "engine/core/Losses.h"
 #include "engine/core/Progress.h"
 #include "engine/core/Source.h"
+#include "engine/core/Timeline.h"
 #include "engine/core/Track.h"
 
+#include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace zelcore {
 
-/// Moves the packets of every part, in list order, through the tracks. Each part begins exactly
-/// where the one before ended.
+/// Moves the packets of every part, in list order, through the tracks, with their times on the
+/// destination's clock. Each part begins exactly where the one before ended.
 class PartJoiner {
 public:
     PartJoiner(const Sources& sources, const std::vector<TrackPlan>& plans,
@@ -21,10 +24,20 @@ public:
     void run();
 
 private:
+    /// A packet that waits for its offset.
+    struct Waiting {
+        PacketPtr packet;
+        std::size_t track = 0;
+    };
+    using TrackOfStream = std::vector<std::optional<std::size_t>>;
+
     void runPart(std::size_t part);
-    /// When the packet ends on the destination's clock.
-    static Ticks endOf(const AVPacket& packet, const AVStream& stream, Ticks offset);
-    void noteProgress(const AVPacket& packet, const Source& source, Ticks end);
+    TrackOfStream beginPart(std::size_t part);
+    Timeline timelineOf(std::size_t part) const;
+    void take(AVPacket& packet, const AVStream& stream, std::size_t track, Timeline& timeline);
+    /// Hands on what has its offset.
+    void deliver(Timeline& timeline);
+    void noteProgress(const AVPacket& packet, const Source& source);
 
     const Sources& mSources;
     const std::vector<TrackPlan>& mPlans;
@@ -32,8 +45,9 @@ private:
     Losses& mLosses;
     const StopFlag& mStop;
     Progress& mProgress;
+    std::deque<Waiting> mWaiting;
+    std::size_t mWaitingBytes = 0;
     Ticks mEnd = 0;            ///< of everything so far
-    Ticks mTotal = 0;          ///< by the containers' word, 0 when one of them gives none
     std::uint64_t mBytes = 0;  ///< of all sources
     std::uint64_t mBefore = 0; ///< bytes of the parts that are done
 };

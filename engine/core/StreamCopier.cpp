@@ -32,9 +32,7 @@ StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses)
     to.disposition = from.disposition;
 }
 
-void StreamCopier::beginPart(const AVStream& stream, Ticks offset) {
-    mTimeBase = stream.time_base;
-    mOffset = av_rescale_q(offset, kTicks, mTimeBase);
+void StreamCopier::beginPart(const AVStream& stream) {
     // What comes before the first key frame of a recording that was joined late shows nothing.
     mAwaitsKeyFrame = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
     mKnowsDecodingTime = false;
@@ -50,12 +48,6 @@ void StreamCopier::accept(AVPacket& packet) {
         }
         mAwaitsKeyFrame = false;
     }
-    if (packet.pts != kNoTime) {
-        packet.pts = addTimes(packet.pts, mOffset);
-    }
-    if (packet.dts != kNoTime) {
-        packet.dts = addTimes(packet.dts, mOffset);
-    }
     if (packet.dts == kNoTime && mHeld.size() < kMostHeld && !mKnowsDecodingTime) {
         mHeld.push_back(makePacket());
         av_packet_move_ref(mHeld.back().get(), &packet);
@@ -65,7 +57,7 @@ void StreamCopier::accept(AVPacket& packet) {
         mKnowsDecodingTime = true;
         writeHeld(packet.dts == kNoTime ? packet.pts : packet.dts);
     }
-    mMuxer.write(mTrack, packet, mTimeBase);
+    mMuxer.write(mTrack, packet, kTicks);
 }
 
 void StreamCopier::endPart() {
@@ -82,7 +74,7 @@ void StreamCopier::writeHeld(std::int64_t next) {
         packet.dts = next;
     }
     for (const PacketPtr& held : mHeld) {
-        mMuxer.write(mTrack, *held, mTimeBase);
+        mMuxer.write(mTrack, *held, kTicks);
     }
     mHeld.clear();
 }

@@ -11,7 +11,7 @@ class StreamCopier : public Track {
 public:
     StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
-    void beginPart(const AVStream& stream, Ticks offset) override;
+    void beginPart(const AVStream& stream) override;
     void accept(AVPacket& packet) override;
     void endPart() override;
     void finish() override {}
@@ -23,8 +23,6 @@ private:
     Muxer& mMuxer;
     Losses& mLosses;
     std::size_t mTrack;
-    AVRational mTimeBase{};
-    std::int64_t mOffset = 0; ///< in mTimeBase
     bool mAwaitsKeyFrame = false;
     bool mKnowsDecodingTime = false; ///< of the part's first packets
     std::vector<PacketPtr> mHeld; ///< a part's first packets, as long as none tells a decoding time

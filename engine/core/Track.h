@@ -18,9 +18,8 @@ public:
     Track& operator=(const Track&) = delete;
     virtual ~Track() = default;
 
-    /// `offset` takes the part's own clock to the destination's.
-    virtual void beginPart(const AVStream& stream, Ticks offset) = 0;
-    /// May take what the packet holds.
+    virtual void beginPart(const AVStream& stream) = 0;
+    /// The packet counts in kTicks on the destination's clock. May take what it holds.
     virtual void accept(AVPacket& packet) = 0;
     virtual void endPart() = 0;
     virtual void finish() = 0;

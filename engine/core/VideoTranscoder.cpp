@@ -27,11 +27,9 @@ VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& lo
     copyTrackProperties(*plan.reference, stream, mCanvas.isTurned);
 }
 
-void VideoTranscoder::beginPart(const AVStream& stream, Ticks offset) {
+void VideoTranscoder::beginPart(const AVStream& stream) {
     mDecoder.emplace(stream);
     mFitter.beginPart(stream);
-    mTimeBase = stream.time_base;
-    mOffset = offset;
 }
 
 void VideoTranscoder::accept(AVPacket& packet) {
@@ -54,7 +52,7 @@ void VideoTranscoder::encode(AVFrame& picture) {
     if (time == kNoTime) {
         time = mLastTime == kNoTime ? 0 : mLastTime + 1;
     } else {
-        time = av_rescale_q(addTimes(toTicks(time, mTimeBase), mOffset), kTicks, base);
+        time = av_rescale_q(time, kTicks, base);
     }
     if (mLastTime != kNoTime && time <= mLastTime) {
         trace(TraceLevel::Debug, "A picture that is not later than the one before is left out");
@@ -66,7 +64,7 @@ void VideoTranscoder::encode(AVFrame& picture) {
     fitted.pts = time;
     fitted.pict_type = isKey ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
     const std::int64_t duration = picture.pkt_duration > 0
-                                      ? av_rescale_q(picture.pkt_duration, mTimeBase, base)
+                                      ? av_rescale_q(picture.pkt_duration, kTicks, base)
                                       : av_rescale_q(1, av_inv_q(mEncoder.codec().framerate), base);
     mEncoder.encode(fitted, std::max<std::int64_t>(duration, 1));
 }

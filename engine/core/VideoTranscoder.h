@@ -15,7 +15,7 @@ class VideoTranscoder : public Track {
 public:
     VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses);
 
-    void beginPart(const AVStream& stream, Ticks offset) override;
+    void beginPart(const AVStream& stream) override;
     void accept(AVPacket& packet) override;
     void endPart() override;
     void finish() override;
@@ -31,8 +31,6 @@ private:
     Encoder mEncoder;
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;
-    AVRational mTimeBase{};
-    Ticks mOffset = 0;
     std::int64_t mLastTime = kNoTime; ///< in the encoder's clock
     std::int64_t mLastKey = kNoTime;  ///< as far as this class asked for it
 };
