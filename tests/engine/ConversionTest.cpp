@@ -93,10 +93,10 @@ TEST_F(Conversion, JoinsEqualPartsByCopyingEachWhereTheOneBeforeEnds) {
     EXPECT_EQ(video(made).decoded, 3 * video(part).decoded);
 }
 
-TEST_F(Conversion, JoinsDifferingPartsByTranscodingToTheFirstOnesParameters) {
+TEST_F(Conversion, JoinsDifferingPartsByTranscodingToTheLargestPicture) {
     ASSERT_NO_FATAL_FAILURE(join({"h264-aac.mkv", "other-parameters.mkv", "vp9-opus.webm"}));
-    EXPECT_EQ(video(made).width, 160);
-    EXPECT_EQ(video(made).height, 120);
+    EXPECT_EQ(video(made).width, 200);
+    EXPECT_EQ(video(made).height, 100);
     EXPECT_EQ(video(made).decoded, 30U + 25U + 30U);
     EXPECT_NEAR(video(made).end, 5, 0.15);
     EXPECT_NEAR(sound(made).end, 5, 0.15);
