@@ -2,6 +2,7 @@
 
 #include "AsyncQueue/AsyncQueue.h"
 #include "AsyncQueue/BlockDeque.h"
+#include "AsyncQueue/ShortWait.h"
 
 #include <atomic>
 #include <chrono>
@@ -62,8 +63,7 @@ struct AsyncQueue::Context {
         const State state = mState.load();
         return state == State::Initialising || state == State::Processing;
     }
-    /// Takes mMutex, which nobody holds for long, rather by trying than by a system call.
-    Lock lockShortly();
+    Lock lockShortly() { return shortWait::lock(mMutex); }
 
     /// With mMutex held. On the worker's thread, or with mTakenMutex held.
     bool isActiveQueueEmpty() const { return mTaken.empty() && mQueue.empty(); }
@@ -76,7 +76,10 @@ struct AsyncQueue::Context {
         }
     }
     /// On the worker's thread, without a lock: true as soon as mWakeCount is no longer `seen`.
-    bool lookForWork(std::uint32_t seen, std::chrono::microseconds longest) const noexcept;
+    bool lookForWork(std::uint32_t seen, std::chrono::microseconds longest) const noexcept {
+        return shortWait::forMore(
+            longest, [&] { return mWakeCount.load(std::memory_order_relaxed) != seen; });
+    }
     /// On the worker's thread; a return without a cause is allowed.
     void waitForWork(Lock& lock) {
         mIsWorkerWaiting = true;

@@ -57,12 +57,16 @@ void LogOutput::setLifeCycleSink(std::shared_ptr<ILogger> sink, LifeCycleFunctio
     mLifeCycleSink.set(std::move(sink));
 }
 
-void LogOutput::write(const LogRecord& record) {
-    expand(record);
-    cleanMessage();
-    const bool isLifeCycleRecord = mComponents.tag == kLifeCycleTag;
-    formatLine(record);
-    dispatch(isLifeCycleRecord);
+void LogOutput::write(const LogRecord& record) noexcept {
+    try {
+        expand(record);
+        cleanMessage();
+        const bool isLifeCycleRecord = mComponents.tag == kLifeCycleTag;
+        formatLine(record);
+        dispatch(isLifeCycleRecord);
+    } catch (...) {
+        reportFailedSink(); // for want of memory
+    }
 }
 
 void LogOutput::cleanMessage() {
@@ -76,9 +80,11 @@ void LogOutput::cleanMessage() {
 }
 
 void LogOutput::expand(const LogRecord& record) {
-    if (record.time != mLastTime) {
-        mComponents.timestamp = timestampText(record.time);
+    const bool usesLocalTime = mUsesLocalTime.load(std::memory_order_relaxed);
+    if (record.time != mLastTime || usesLocalTime != mLastWasLocal) {
+        mComponents.timestamp = timestampText(record.time, usesLocalTime);
         mLastTime = record.time;
+        mLastWasLocal = usesLocalTime;
     }
     if (record.threadId != mLastThreadId) {
         mComponents.threadId = "0x";
@@ -87,11 +93,11 @@ void LogOutput::expand(const LogRecord& record) {
     }
     mComponents.level = RootLoggerLevel::levelText(record.level);
     mComponents.processId = processIdText();
-    mComponents.threadName = record.threadName();
-    mComponents.file = record.file();
-    mComponents.function = record.function();
-    mComponents.message = record.message();
-    mComponents.tag = record.tag();
+    mComponents.threadName = record.threadName;
+    mComponents.file = record.file;
+    mComponents.function = record.function;
+    mComponents.message = record.message;
+    mComponents.tag = record.tag;
     mComponents.line = record.line;
 }
 

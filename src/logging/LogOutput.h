@@ -29,7 +29,7 @@ public:
     /// False when the string is already masked.
     bool addBlockedString(std::string text) { return mScrubber.add(std::move(text)); }
     void scrub(std::string& text) { mScrubber.scrub(text); }
-    void write(const LogRecord& record);
+    void write(const LogRecord& record) noexcept;
     void flush();
 
     /// From then on the engine's lines go to this sink only. Any thread.
@@ -37,6 +37,9 @@ public:
     /// From then on life-cycle records go to this sink only, and only those of `functions`. Any
     /// thread, once.
     void setLifeCycleSink(std::shared_ptr<ILogger> sink, LifeCycleFunctions functions);
+
+    /// Times in the computer's own zone, with its distance from UTC. Any thread.
+    void setUseLocalTime(bool uses) noexcept { mUsesLocalTime.store(uses); }
 
     /// How many sinks were ever added. Any thread.
     std::uint64_t sinkCount() const noexcept { return mSinkCount.load(); }
@@ -68,6 +71,8 @@ private:
     LifeCycleFunctions mLifeCycleFunctions;
     LogComponents mComponents; ///< of the line in work; kept for its buffers
     std::string mLine;         ///< likewise
+    std::atomic<bool> mUsesLocalTime{false};
+    bool mLastWasLocal = false;
     std::time_t mLastTime = -1;
     std::uint32_t mLastThreadId = 0; ///< none has this
 };

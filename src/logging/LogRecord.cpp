@@ -4,7 +4,6 @@
 #include "threading/ThreadUtilities.h"
 
 #include <algorithm>
-#include <string>
 
 namespace tarn {
 namespace {
@@ -18,26 +17,18 @@ std::string_view lastComponent(std::string_view path) {
 
 } // namespace
 
-void LogRecord::capture(std::string_view message, RootLoggerLevel::Level messageLevel,
-                        std::int32_t sourceLine, std::string_view file, std::string_view function,
-                        std::string_view tag) {
-    time = std::time(nullptr);
-    level = messageLevel;
-    threadId = platform::threadId();
-    line = sourceLine;
-    std::string longName;
-    const std::array<std::string_view, kParts> texts{ThreadUtilities::currentThreadName(longName),
-                                                     lastComponent(file), function, tag, message};
-    std::size_t size = 0;
-    for (std::size_t number = 0; number < kParts; ++number) {
-        size += texts[number].size();
-        mEnds[number] = size;
-    }
-    mLong = size > kUsualSize ? std::make_unique_for_overwrite<char[]>(size) : nullptr;
-    char* to = mLong != nullptr ? mLong.get() : mUsual.data();
-    for (const std::string_view text : texts) {
-        to += text.copy(to, text.size());
-    }
+LogRecord LogRecord::capture(std::string_view message, RootLoggerLevel::Level level,
+                             std::int32_t line, std::string_view file, std::string_view function,
+                             std::string_view tag, std::string& whenLong) {
+    return {.time = std::time(nullptr),
+            .threadId = platform::threadId(),
+            .line = line,
+            .level = level,
+            .threadName = ThreadUtilities::currentThreadName(whenLong),
+            .file = lastComponent(file),
+            .function = function,
+            .tag = tag,
+            .message = message};
 }
 
 } // namespace tarn

@@ -3,7 +3,7 @@
 #include "AsyncQueue/AsyncQueue.h"
 #include "logging/LogCall.h"
 #include "logging/LogOutput.h"
-#include "logging/RecordPool.h"
+#include "logging/RecordStream.h"
 #include "logging/Scrubber.h"
 
 #include <chrono>
@@ -37,7 +37,7 @@ struct FlushContext {
 
 RootLogger::RootLogger(const std::shared_ptr<IAsyncQueue>& queue)
     : mOutput(std::make_unique<LogOutput>()),
-      mRecords(std::make_unique<RecordPool>()),
+      mRecords(std::make_unique<RecordStream>()),
       mQueue(queue != nullptr ? queue : std::make_shared<AsyncQueue>("RootLogger", false)) {
 }
 
@@ -71,11 +71,16 @@ void RootLogger::registerLogger(std::shared_ptr<ILogger> logger) {
     if (logger == nullptr) {
         return;
     }
-    mQueue->post("registerLogger", TaskFunction([this, logger = std::move(logger)]() mutable {
-                     mOutput->addSink(std::move(logger));
-                     mActive.store(true);
-                 }),
-                 kAtTheBack, kTaskType);
+    postInOrder("registerLogger", TaskFunction([this, logger = std::move(logger)]() mutable {
+                    mOutput->addSink(std::move(logger));
+                    mActive.store(true);
+                }));
+}
+
+/// After the records that were logged before, and ahead of those that are logged after it.
+void RootLogger::postInOrder(const std::string& name, TaskFunction&& task) {
+    mRecords->closeBatch();
+    mQueue->post(name, std::move(task), kAtTheBack, kTaskType);
 }
 
 void RootLogger::setLogLevel(RootLoggerLevel::Level level) {
@@ -84,6 +89,10 @@ void RootLogger::setLogLevel(RootLoggerLevel::Level level) {
     }
     TARN_LOG(RootLoggerLevel::Info, "Setting Log level to " << RootLoggerLevel::levelText(level));
     mLevels.setThreshold(level);
+}
+
+void RootLogger::setUseLocalTime(bool uses) noexcept {
+    mOutput->setUseLocalTime(uses);
 }
 
 bool RootLogger::isEnabled(RootLoggerLevel::Level level) const noexcept {
@@ -107,13 +116,22 @@ void RootLogger::capture(std::string_view message, RootLoggerLevel::Level level,
         return;
     }
     static const std::string& taskName = *new std::string("doLog"); // threads log at exit, too
-    auto record = mRecords->take();
-    record->capture(message, level, line, file, function, tag);
-    mQueue->post(taskName, TaskFunction([this, record = std::move(record)]() mutable {
-                     mOutput->write(*record);
-                     mRecords->giveBack(std::move(record));
-                 }),
-                 kAtTheBack, kTaskType);
+    std::string longName;
+    const auto record = LogRecord::capture(message, level, line, file, function, tag, longName);
+    mRecords->add(record, [this](const RecordStream::BatchPointer& batch) {
+        mQueue->post(taskName, TaskFunction([this, batch] { writeBatch(*batch); }), kAtTheBack,
+                     kTaskType);
+    });
+}
+
+void RootLogger::writeBatch(RecordStream::Batch& batch) {
+    mRecords->drain(batch, [this](const LogRecord& record) {
+        // A string that is blocked meanwhile counts for the rest of the batch.
+        if (mMustAddBlockedStrings.load(std::memory_order_acquire)) {
+            addBlockedStrings();
+        }
+        mOutput->write(record);
+    });
 }
 
 void RootLogger::blockListString(std::string text) {
@@ -123,17 +141,28 @@ void RootLogger::blockListString(std::string text) {
                      << text.size());
         return;
     }
+    {
+        const std::lock_guard lock(mBlockedMutex);
+        mToBeBlocked.push_back(std::move(text));
+        mMustAddBlockedStrings.store(true, std::memory_order_release);
+    }
     // At the front, so that records that wait are masked, too.
-    mQueue->post("blockListString", TaskFunction([this, text = std::move(text)]() mutable {
-                     addBlockedString(std::move(text));
-                 }),
-                 kAtTheFront, kTaskType);
+    mQueue->post("blockListString", TaskFunction([this] { addBlockedStrings(); }), kAtTheFront,
+                 kTaskType);
 }
 
-void RootLogger::addBlockedString(std::string&& text) {
-    const std::size_t length = text.size();
-    if (mOutput->addBlockedString(std::move(text))) {
-        TARN_LOG(RootLoggerLevel::Debug, "Adding blocklisted string of length: " << length);
+void RootLogger::addBlockedStrings() {
+    std::vector<std::string> texts;
+    {
+        const std::lock_guard lock(mBlockedMutex);
+        texts.swap(mToBeBlocked);
+        mMustAddBlockedStrings.store(false, std::memory_order_relaxed);
+    }
+    for (std::string& text : texts) {
+        const std::size_t length = text.size();
+        if (mOutput->addBlockedString(std::move(text))) {
+            TARN_LOG(RootLoggerLevel::Debug, "Adding blocklisted string of length: " << length);
+        }
     }
 }
 
@@ -144,15 +173,14 @@ std::string RootLogger::filterStrings(const std::string& text) {
         return filtered;
     }
     FlushContext context;
-    mQueue->post("filterStrings", TaskFunction([&] {
-                     try {
-                         mOutput->scrub(filtered);
-                     } catch (...) {
-                         filtered = Scrubber::kMask; // for want of memory: rather all than nothing
-                     }
-                     context.finish();
-                 }),
-                 kAtTheBack, kTaskType);
+    postInOrder("filterStrings", TaskFunction([&] {
+                    try {
+                        mOutput->scrub(filtered);
+                    } catch (...) {
+                        filtered = Scrubber::kMask; // for want of memory: rather all than nothing
+                    }
+                    context.finish();
+                }));
     std::unique_lock lock(context.mutex);
     context.condition.wait(lock, [&] { return context.isDone; });
     return filtered;
@@ -165,11 +193,10 @@ void RootLogger::flush() {
     }
     const auto context = std::make_shared<FlushContext>();
     std::unique_lock lock(context->mutex);
-    mQueue->post("flush", TaskFunction([this, context] {
-                     mOutput->flush();
-                     context->finish();
-                 }),
-                 kAtTheBack, kTaskType);
+    postInOrder("flush", TaskFunction([this, context] {
+                    mOutput->flush();
+                    context->finish();
+                }));
     context->condition.wait_for(lock, kLongestFlush, [&] { return context->isDone; });
 }
 

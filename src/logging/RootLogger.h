@@ -3,18 +3,21 @@
 #include "logging/ILogger.h"
 #include "logging/Level.h"
 #include "logging/LevelFilter.h"
+#include "logging/RecordStream.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
 class IAsyncQueue;
 class LogOutput;
-class RecordPool;
+class TaskFunction;
 
 /// The one logging hub of the process. All operations may be called from any thread and none of
 /// them throws but for a failing mutex or want of memory; log() never does. Sinks, blocklist and
@@ -36,6 +39,8 @@ public:
     /// Raises or lowers the threshold; Unknown is ignored.
     void setLogLevel(RootLoggerLevel::Level level);
     bool isEnabled(RootLoggerLevel::Level level) const noexcept;
+    /// From the next line on that is written; UTC unless set.
+    void setUseLocalTime(bool uses) noexcept;
     /// Captures a record and queues it; formatting and output happen on the worker. Never throws.
     /// The record has copies of all texts.
     static void log(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
@@ -55,12 +60,17 @@ private:
     static RootLogger& create(const std::shared_ptr<IAsyncQueue>& queue);
     void capture(std::string_view message, RootLoggerLevel::Level level, std::int32_t line,
                  std::string_view file, std::string_view function, std::string_view tag);
-    void addBlockedString(std::string&& text);
+    void postInOrder(const std::string& name, TaskFunction&& task);
+    void writeBatch(RecordStream::Batch& batch);
+    void addBlockedStrings();
 
     LevelFilter mLevels;
     std::atomic<bool> mActive{false}; ///< a sink is registered
     std::unique_ptr<LogOutput> mOutput;
-    std::unique_ptr<RecordPool> mRecords;
+    std::unique_ptr<RecordStream> mRecords;
+    std::mutex mBlockedMutex;
+    std::vector<std::string> mToBeBlocked; ///< until the worker comes to it
+    std::atomic<bool> mMustAddBlockedStrings{false};
     std::string mLogFolder;
     std::shared_ptr<IAsyncQueue> mQueue;
 };

@@ -20,8 +20,9 @@ protected:
 
     void write(const std::string& message, const std::string& file = "File",
                const std::string& tag = "", const std::string& function = "function") {
-        LogRecord record;
-        record.capture(message, RootLoggerLevel::Info, 120, file, function, tag);
+        std::string whenLong;
+        LogRecord record =
+            LogRecord::capture(message, RootLoggerLevel::Info, 120, file, function, tag, whenLong);
         record.time = 1714555805;
         mOutput.write(record);
     }

@@ -94,6 +94,20 @@ TEST_F(RootLoggerTest, MasksWhatWaitsWhenAStringIsBlocked) {
     EXPECT_EQ(mLogger.filterStrings(secret + " is " + secret), "******** is ********");
 }
 
+TEST_F(RootLoggerTest, KeepsTheOrderOfLinesAndSinksAndLosesOnlyWhatIsDropped) {
+    const auto late = std::make_shared<testing::FatalLogSink>();
+    hold();
+    log("dropped");
+    mQueue->clear();
+    log("before the sink");
+    mLogger.registerLogger(late);
+    log("after the sink");
+    log("at once");
+    release();
+    EXPECT_THAT(messages(), ElementsAre("before the sink", "after the sink", "at once"));
+    EXPECT_THAT(late->messages(), ElementsAre("after the sink", "at once"));
+}
+
 TEST_F(RootLoggerTest, WaitsFiveSecondsForAFlushAndOnItsOwnWorkerNotAtAll) {
     using namespace std::chrono;
     hold();
