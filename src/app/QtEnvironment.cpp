@@ -54,8 +54,8 @@ QString moduleFolder(const std::vector<std::string>& arguments) {
 void useRuntimeFolder(const std::vector<std::string>& arguments) {
     const QString folder = runtimeFolder(arguments);
     QCoreApplication::setLibraryPaths({folder});
-    // Not the dynamic-dependencies folder of the install location: nothing of ours lies there, and a
-    // folder that is searched is one more place where a foreign library would be loaded from.
+    // Not the dynamic-dependencies folder of the install location: nothing of ours lies there, and
+    // a folder that is searched is one more place where a foreign library would be loaded from.
     if (!tarn::platform::addLibraryFolder(tarn::platform::toWide(arguments[kRuntimeFolder]))) {
         TARN_LOG(Warn, "Can not add the runtime folder to the library folders, errorCode: "
                            << tarn::platform::lastError());
