@@ -81,7 +81,7 @@ AudioTranscoder::AudioTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& lo
 }
 
 void AudioTranscoder::beginPart(const AVStream& stream) {
-    mDecoder.emplace(stream);
+    mDecoder.emplace(stream, mLosses);
 }
 
 void AudioTranscoder::accept(AVPacket& packet) {
@@ -90,7 +90,7 @@ void AudioTranscoder::accept(AVPacket& packet) {
 
 void AudioTranscoder::endPart() {
     mDecoder->decode(nullptr, [this](const AVFrame& sound) { take(sound); });
-    mDecoder->throwIfNothingDecoded();
+    mDecoder->settle();
     mDecoder.reset();
     if (mResampler != nullptr) {
         resample(nullptr);

@@ -2,6 +2,7 @@
 
 #include "engine/core/DestinationFile.h"
 #include "engine/core/PartJoiner.h"
+#include "engine/core/PartWatch.h"
 #include "engine/core/Trace.h"
 #include "engine/core/Verifier.h"
 
@@ -67,39 +68,60 @@ void ConversionJob::run() noexcept {
 }
 
 void ConversionJob::convert() {
-    DestinationFile destination(mDestination, mSources, mStop);
+    auto destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
     const Sources sources = openSources(mSources, mStop);
-    const std::vector<TrackPlan> plans = planTracks(sources);
+    std::vector<TrackPlan> plans = planTracks(sources);
     traceJob(sources, plans);
     Progress progress([this](float percent) {
         mSink.call([percent](zel::IZelMediaConverterSink& sink) { sink.OnProgress(percent); });
     });
     std::vector<WrittenTrack> written;
-    {
-        Muxer muxer(destination);
-        muxer.copyMetadata(sources.front()->format());
-        std::vector<std::unique_ptr<Track>> tracks;
-        for (const TrackPlan& plan : plans) {
-            tracks.push_back(makeTrack(plan, muxer, mLosses));
-        }
-        muxer.writeHeader();
-        PartJoiner(sources, plans, tracks, mLosses, mStop, progress).run();
-        muxer.finish();
-        written = muxer.takeWritten();
-        if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
-            throw Failure(ErrorCode::NothingToConvert,
-                          "The sources hold neither sound nor picture");
+    while (written.empty()) {
+        try {
+            written = write(sources, plans, *destination, progress);
+        } catch (const NotCopyable& found) {
+            trace(TraceLevel::Info,
+                  text("Track ", found.track, " is transcoded after all: ", found.reason));
+            plans[found.track].isCopied = false;
+            plans[found.track].reason = found.reason;
+            mLosses = {};
+            std::ranges::for_each(sources, &Source::close, [](const auto& each) -> Source& {
+                return *each; // they begin at their beginning again
+            });
+            destination.reset();
+            destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
         }
     }
     settleLosses();
-    destination.closeDurably();
+    destination->closeDurably();
     mStop.throwIfRaised();
-    verify(destination, written, mStop);
+    verify(*destination, written, mStop);
     mStop.throwIfRaised();
-    destination.commit();
+    destination->commit();
     trace(TraceLevel::Info,
-          text("Destination \"", mDestination, "\" is complete: ", destination.size(), " bytes"));
+          text("Destination \"", mDestination, "\" is complete: ", destination->size(), " bytes"));
     progress.complete();
+}
+
+std::vector<WrittenTrack> ConversionJob::write(const Sources& sources,
+                                               const std::vector<TrackPlan>& plans,
+                                               DestinationFile& destination, Progress& progress) {
+    Muxer muxer(destination);
+    muxer.copyMetadata(sources.front()->format());
+    std::vector<std::unique_ptr<Track>> tracks;
+    for (const TrackPlan& plan : plans) {
+        tracks.push_back(makeTrack(plan, muxer, mLosses));
+    }
+    muxer.writeHeader();
+    PartJoiner(sources, plans, tracks, mLosses, mStop, progress).run();
+    muxer.finish();
+    std::vector<WrittenTrack> written = muxer.takeWritten();
+    if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
+        throw mLosses.isEmpty()
+            ? Failure(ErrorCode::NothingToConvert, "The sources hold neither sound nor picture")
+            : Failure(ErrorCode::SourceDamaged, mLosses.sentence());
+    }
+    return written;
 }
 
 void ConversionJob::settleLosses() {

@@ -2,8 +2,11 @@
 
 #include "engine/core/ErrorCode.h"
 #include "engine/core/Losses.h"
+#include "engine/core/Muxer.h"
+#include "engine/core/Progress.h"
 #include "engine/core/SinkGate.h"
 #include "engine/core/StopFlag.h"
+#include "engine/core/TrackPlan.h"
 #include "zel/IZelMediaConverterSink.h"
 
 #include <string>
@@ -27,6 +30,9 @@ public:
 
 private:
     void convert();
+    /// Everything up to the finished file; throws NotCopyable when another plan is needed.
+    std::vector<WrittenTrack> write(const Sources& sources, const std::vector<TrackPlan>& plans,
+                                    DestinationFile& destination, Progress& progress);
     /// Throws when content is missing and the caller has not accepted that.
     void settleLosses();
     void report(ErrorCode code, const char* why) noexcept;

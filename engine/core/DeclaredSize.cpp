@@ -64,33 +64,46 @@ std::uint64_t matroskaSize(const SourceFile& file) {
     return segment->dataBegin + *segment->dataSize;
 }
 
+struct Boxes {
+    std::uint64_t end = 0; ///< of the last one, by its own word
+    bool haveIndex = false;
+};
+
+bool isBox(std::string_view type) {
+    static constexpr std::array<std::string_view, 14> kTypes = {
+        "ftyp", "moov", "mdat", "free", "skip", "wide", "moof",
+        "uuid", "styp", "sidx", "mfra", "meta", "pdin", "pnot"};
+    return std::ranges::find(kTypes, type) != kTypes.end();
+}
+
 // ISO/IEC 14496-12, 4.2: boxes of a 32-bit size and a type; size 1: a 64-bit size follows; size 0:
 // up to the end of the file.
-std::uint64_t boxesSize(const SourceFile& file) {
-    static constexpr std::array<std::string_view, 13> kTypes = {
-        "ftyp", "moov", "mdat", "free", "skip", "wide", "moof",
-        "uuid", "styp", "sidx", "mfra", "meta", "pdin"};
-    std::uint64_t position = 0;
-    while (position < file.state().size) {
+Boxes readBoxes(const SourceFile& file) {
+    Boxes boxes;
+    while (boxes.end < file.state().size) {
         std::array<std::uint8_t, 16> bytes{};
-        const std::size_t have = file.peek(position, bytes.data(), bytes.size());
+        const std::size_t have = file.peek(boxes.end, bytes.data(), bytes.size());
         const std::string_view type(reinterpret_cast<const char*>(bytes.data()) + 4, 4);
-        if (have < 8 || std::ranges::find(kTypes, type) == kTypes.end()) {
-            return position; // something else is appended: no word about the rest
+        if (have < 8 || !isBox(type)) {
+            return boxes; // something else is appended: no word about the rest
         }
         std::uint64_t size = bigEndian(bytes.data(), 4);
-        if (size == 0) {
-            return file.state().size;
-        }
         if (size == 1) {
             size = bigEndian(bytes.data() + 8, 8);
+        } else if (size == 0) {
+            size = file.state().size - boxes.end;
         }
-        if (size < 8 || size > UINT64_MAX - position) {
-            return position;
+        if (size < 8 || size > UINT64_MAX - boxes.end) {
+            return boxes;
         }
-        position += size;
+        boxes.haveIndex = boxes.haveIndex || type == "moov";
+        boxes.end += size;
     }
-    return position;
+    return boxes;
+}
+
+bool beginsWithBox(const std::array<std::uint8_t, 12>& head) {
+    return isBox({reinterpret_cast<const char*>(head.data()) + 4, 4});
 }
 
 std::uint64_t riffSize(const std::array<std::uint8_t, 12>& head) {
@@ -109,13 +122,19 @@ std::uint64_t declaredSize(const SourceFile& file) {
     if (bigEndian(head.data(), 4) == 0x1A45DFA3) {
         return matroskaSize(file);
     }
-    if (std::memcmp(head.data() + 4, "ftyp", 4) == 0) {
-        return boxesSize(file);
+    if (beginsWithBox(head)) {
+        return readBoxes(file).end;
     }
     if (std::memcmp(head.data(), "RIFF", 4) == 0) {
         return riffSize(head);
     }
     return 0;
+}
+
+bool lacksIndex(const SourceFile& file) {
+    std::array<std::uint8_t, 12> head{};
+    return file.peek(0, head.data(), head.size()) == head.size() && beginsWithBox(head) &&
+           !readBoxes(file).haveIndex;
 }
 
 } // namespace zelcore

@@ -3,9 +3,12 @@
 #include "engine/core/Failure.h"
 #include "engine/core/Trace.h"
 
+#include <algorithm>
+
 namespace zelcore {
 
-Decoder::Decoder(const AVStream& stream) : mFrame(makeFrame()) {
+Decoder::Decoder(const AVStream& stream, Losses& losses, Clock clock, Purpose purpose)
+    : mClock(clock), mFrameRate(stream.avg_frame_rate), mLosses(losses), mFrame(makeFrame()) {
     const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
     if (codec == nullptr) {
@@ -14,8 +17,13 @@ Decoder::Decoder(const AVStream& stream) : mFrame(makeFrame()) {
     }
     mCodec = owned<CodecPtr>(avcodec_alloc_context3(codec));
     require(avcodec_parameters_to_context(mCodec.get(), &parameters), "decoder parameters");
-    mCodec->pkt_timebase = kTicks; // of the packets that it gets here
-    mCodec->thread_count = 0;      // as many as there are processors
+    mCodec->pkt_timebase = clock.base;
+    mCodec->thread_count = 0; // as many as there are processors
+    if (purpose == Purpose::Check) {
+        mCodec->thread_count = 1; // so few packets at a time do not pay for threads
+        mCodec->skip_loop_filter = AVDISCARD_ALL;
+        mCodec->flags2 |= AV_CODEC_FLAG2_FAST;
+    }
     if (const int result = avcodec_open2(mCodec.get(), codec, nullptr); result < 0) {
         throw Failure(ErrorCode::UnsupportedCodec,
                       text("Decoder ", codec->name, " refuses: ", ffmpegErrorText(result)));
@@ -23,10 +31,16 @@ Decoder::Decoder(const AVStream& stream) : mFrame(makeFrame()) {
 }
 
 void Decoder::send(const AVPacket* packet) {
-    mPackets += packet == nullptr ? 0 : 1;
+    if (packet != nullptr) {
+        mPackets++;
+        const std::int64_t time = packet->pts == kNoTime ? packet->dts : packet->pts;
+        mLastTime = time == kNoTime ? mLastTime : time;
+        mFirstTime = mFirstTime == kNoTime ? time : mFirstTime;
+        mLastDuration = packet->duration;
+    }
     // EAGAIN cannot come: every frame is taken out after each packet.
     if (const int result = avcodec_send_packet(mCodec.get(), packet); result != AVERROR_EOF) {
-        noteDamage(result);
+        noteFailure(result);
     }
 }
 
@@ -35,30 +49,51 @@ bool Decoder::receive() {
         const int result = avcodec_receive_frame(mCodec.get(), mFrame.get());
         if (result >= 0) {
             mFrames++;
+            if ((mFrame->flags & AV_FRAME_FLAG_CORRUPT) != 0 || mFrame->decode_error_flags != 0) {
+                addLoss(mFrame->best_effort_timestamp, mFrame->pkt_duration);
+            }
             return true;
         }
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
             return false;
         }
-        noteDamage(result); // threaded decoders report a packet's damage here
+        noteFailure(result); // threaded decoders report a packet's damage here
     }
 }
 
-void Decoder::noteDamage(int result) {
+void Decoder::noteFailure(int result) {
     if (result >= 0) {
         return;
     }
     if (result == AVERROR(ENOMEM)) {
         throw std::bad_alloc();
     }
-    trace(TraceLevel::Warning, text("A damaged packet of ", mCodec->codec->name,
-                                    " is left out: ", ffmpegErrorText(result)));
+    trace(TraceLevel::Debug, text("A damaged packet of ", mCodec->codec->name,
+                                  " is left out: ", ffmpegErrorText(result)));
+    addLoss(mLastTime, mLastDuration);
 }
 
-void Decoder::throwIfNothingDecoded() const {
-    if (mPackets > 0 && mFrames == 0) {
-        throw Failure(ErrorCode::SourceDamaged, text("None of ", mPackets, " packets of ",
-                                                     mCodec->codec->name, " could be decoded"));
+void Decoder::addLoss(std::int64_t time, std::int64_t duration) {
+    mHasFoundDamage = true;
+    Loss loss;
+    loss.kind = mCodec->codec_type;
+    loss.begin =
+        time == kNoTime ? mClock.offset : addTimes(toTicks(time, mClock.base), mClock.offset);
+    loss.pieces = 1;
+    if (duration <= 0 && mFrameRate.num > 0 && loss.kind == AVMEDIA_TYPE_VIDEO) {
+        loss.duration = toTicks(1, av_inv_q(mFrameRate));
+    } else {
+        loss.duration = toTicks(std::max<std::int64_t>(duration, 0), mClock.base);
+    }
+    if (loss.kind == AVMEDIA_TYPE_AUDIO) {
+        loss.pieces = av_rescale_q(loss.duration, kTicks, av_make_q(1, mCodec->sample_rate));
+    }
+    mLosses.add(loss);
+}
+
+void Decoder::settle() {
+    if (hasDecodedNothing() && !mHasFoundDamage) {
+        addLoss(mFirstTime, addTimes(mLastTime, mLastDuration) - mFirstTime);
     }
 }
 

@@ -20,6 +20,7 @@ enum class ErrorCode : std::int32_t {
     NothingToConvert = 20010,
     UnsupportedCodec = 20011,
     ContentMissing = 20012,
+    SourceEncrypted = 20013,
 
     DestinationIsSource = 20021,
     DestinationFolderMissing = 20022,

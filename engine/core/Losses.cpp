@@ -6,6 +6,7 @@
 #include <atomic>
 #include <iomanip>
 #include <mutex>
+#include <ranges>
 
 namespace zelcore {
 
@@ -14,6 +15,8 @@ namespace {
 /// Damage in one place touches several packets with whole ones between them.
 constexpr Ticks kSamePlace = kTicks.den;
 constexpr std::size_t kMostTold = 3;
+/// More than these are not looked at for the place of a new loss.
+constexpr std::size_t kMostOpen = 8;
 
 struct Shared {
     std::atomic<bool> accepted{false};
@@ -28,9 +31,10 @@ Shared& shared() {
 }
 
 const char* nameOf(AVMediaType kind) {
-    return kind == AVMEDIA_TYPE_VIDEO   ? "picture"
-           : kind == AVMEDIA_TYPE_AUDIO ? "sound"
-                                        : "subtitles";
+    return kind == AVMEDIA_TYPE_VIDEO      ? "picture"
+           : kind == AVMEDIA_TYPE_AUDIO    ? "sound"
+           : kind == AVMEDIA_TYPE_SUBTITLE ? "subtitles"
+                                           : "the recording";
 }
 
 const char* wordsOf(LossCause cause) {
@@ -61,23 +65,30 @@ std::string describe(const Loss& loss) {
         return text(std::fixed, std::setprecision(1), std::max(toSeconds(loss.duration), 0.1),
                     " s of ", nameOf(loss.kind), where);
     }
-    return text("Parts of the ", nameOf(loss.kind), where);
+    const char* article = loss.kind == AVMEDIA_TYPE_UNKNOWN ? "" : "the ";
+    return text("Parts of ", article, nameOf(loss.kind), where);
 }
 
 } // namespace
 
 void Losses::add(const Loss& loss) {
-    if (!mAll.empty()) {
-        Loss& last = mAll.back();
-        const Ticks lastEnd = addTimes(last.begin, last.duration);
-        if (last.kind == loss.kind && last.cause == loss.cause && loss.begin >= last.begin &&
-            loss.begin - lastEnd <= kSamePlace) {
-            last.duration = std::max(lastEnd, addTimes(loss.begin, loss.duration)) - last.begin;
-            last.pieces = addTimes(last.pieces, loss.pieces);
-            return;
-        }
+    // Damage in one place touches all tracks in turn.
+    const auto isSamePlace = [&](const Loss& other) {
+        return other.kind == loss.kind && other.cause == loss.cause &&
+               loss.begin - addTimes(other.begin, other.duration) <= kSamePlace &&
+               other.begin - addTimes(loss.begin, loss.duration) <= kSamePlace;
+    };
+    const auto latest = mAll | std::views::reverse | std::views::take(kMostOpen);
+    const auto same = std::ranges::find_if(latest, isSamePlace);
+    if (same == latest.end()) {
+        mAll.push_back(loss);
+        return;
     }
-    mAll.push_back(loss);
+    const Ticks end =
+        std::max(addTimes(same->begin, same->duration), addTimes(loss.begin, loss.duration));
+    same->begin = std::min(same->begin, loss.begin);
+    same->duration = end - same->begin;
+    same->pieces = addTimes(same->pieces, loss.pieces);
 }
 
 std::string Losses::sentence() const {

@@ -26,7 +26,7 @@ struct Loss {
 /// What a conversion lost, in the order of its finding. For the job's thread alone.
 class Losses {
 public:
-    /// Joined with the last loss of the same kind and cause when it follows that closely.
+    /// Joined with an earlier loss of the same kind and cause when they are about a second apart.
     void add(const Loss& loss);
     bool isEmpty() const { return mAll.empty(); }
     const std::vector<Loss>& all() const { return mAll; }

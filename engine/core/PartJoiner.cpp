@@ -1,5 +1,6 @@
 #include "engine/core/PartJoiner.h"
 
+#include "engine/core/PartWatch.h"
 #include "engine/core/Trace.h"
 
 #include <algorithm>
@@ -64,11 +65,11 @@ void PartJoiner::runPart(std::size_t part) {
     const TrackOfStream trackOf = beginPart(part);
     Timeline timeline = timelineOf(part);
     const PacketPtr packet = makePacket();
+    // Near enough for telling where something is missing.
+    PartWatch watch(source, mPlans, part, addTimes(mEnd, -source.start()), mLosses);
     while (source.read(*packet)) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
-        if (index >= trackOf.size() || !trackOf[index]) {
-            source.throwIfNeeded(index);
-        } else {
+        if (watch.look(*packet)) {
             noteProgress(*packet, source);
             take(*packet, source.stream(index), *trackOf[index], timeline);
         }
@@ -76,6 +77,7 @@ void PartJoiner::runPart(std::size_t part) {
         mStop.throwIfRaised();
     }
     mStop.throwIfRaised();
+    watch.end();
     while (timeline.hasWaiting()) {
         timeline.decide();
     }

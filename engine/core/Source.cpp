@@ -4,6 +4,9 @@
 #include "engine/core/Trace.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <span>
 
 namespace zelcore {
@@ -22,9 +25,27 @@ int refuseToOpen(AVFormatContext* /*format*/, AVIOContext** /*io*/, const char* 
     return AVERROR(EACCES);
 }
 
+/// Of these, every byte up to the end is looked at. Others keep tables at their end.
+constexpr std::array kStreamed = {"matroska", "flv", "mpegts", "ogg"};
+
+/// What libavformat looks through before it says that it recognises nothing.
+constexpr std::int64_t kResync = 65536;
+/// What is left over at a file's end may be too short for its container's smallest piece.
+constexpr std::uint64_t kShortestTail = 1024;
+/// In a row; an index may name many packets that are not there.
+constexpr int kMostFailures = 5000;
+
 bool isPicture(const AVStream& stream) {
     return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
            (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+}
+
+bool isEncrypted(const AVStream* stream) {
+    static constexpr std::array tags = {MKTAG('e', 'n', 'c', 'v'), MKTAG('e', 'n', 'c', 'a'),
+                                        MKTAG('d', 'r', 'm', 'i'), MKTAG('d', 'r', 'm', 's')};
+    return std::ranges::find(tags, stream->codecpar->codec_tag) != tags.end() ||
+           av_dict_get(stream->metadata, "enc_key_id", nullptr, 0) != nullptr ||
+           av_stream_get_side_data(stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
 }
 
 int isStopRaised(void* stop) {
@@ -81,6 +102,10 @@ Source::Source(std::string path, const StopFlag& stop) : mPath(std::move(path)),
         throw Failure(ErrorCode::NothingToConvert,
                       text("Source \"", mPath, "\" has neither sound nor picture"));
     }
+    if (const auto found = std::ranges::find_if(streams, isEncrypted); found != streams.end()) {
+        throw Failure(ErrorCode::SourceEncrypted,
+                      text("Stream ", (*found)->index, " of \"", mPath, "\" is encrypted"));
+    }
     discardUnwanted();
 }
 
@@ -110,11 +135,12 @@ void Source::close() {
 
 void Source::openDemuxer() {
     mFile = std::make_unique<SourceFile>(mPath, mStop);
-    if (const auto declared = declaredSize(*mFile); declared > mFile->state().size + 1) {
-        throw Failure(ErrorCode::SourceTruncated,
-                      text("Source \"", mPath, "\" is cut short: it has ", mFile->state().size,
-                           " bytes of ", declared));
-    }
+    const std::uint64_t declared = declaredSize(*mFile);
+    const std::uint64_t size = mFile->state().size;
+    mMissingBytes = declared > size + 1 ? declared - size : 0;
+    mDeclaredEnd = declared == 0 ? size : std::min(declared, size);
+    mComplaints = Complaints();
+    mSkippedFrom.reset();
     AVFormatContext* demuxer = owned<DemuxerPtr>(avformat_alloc_context()).release();
     demuxer->pb = mFile->io();
     demuxer->flags |= AVFMT_FLAG_CUSTOM_IO;
@@ -128,12 +154,27 @@ void Source::openDemuxer() {
     av_dict_free(&options);
     mDemuxer.reset(demuxer);
     if (result >= 0) {
+        const Complaints::Listening listening(mComplaints, *mDemuxer);
+        errno = 0;
         result = avformat_find_stream_info(mDemuxer.get(), nullptr);
+        result = errno == ENOMEM ? AVERROR(ENOMEM) : result;
     }
     mStop.throwIfRaised();
     mFile->throwIfUnsound();
     if (result == AVERROR(ENOMEM)) {
         throw std::bad_alloc();
+    }
+    if (result < 0 && lacksIndex(*mFile)) {
+        throw Failure(
+            ErrorCode::SourceTruncated,
+            text("Source \"", mPath, "\" is an MP4 or MOV file without its index: it was ",
+                 "cut off or never completed, and nothing in it can be read"));
+    }
+    if (result < 0 && isCutShort()) {
+        throw Failure(
+            ErrorCode::SourceTruncated,
+            text("Source \"", mPath, "\" is cut off before anything in it can be read: it ", "has ",
+                 size, " bytes of ", declared));
     }
     if (result < 0) {
         throw Failure(ErrorCode::NotARecording,
@@ -147,15 +188,6 @@ bool Source::isWanted(const AVStream& stream) const {
         return parameters.sample_rate > 0 && parameters.ch_layout.nb_channels > 0;
     }
     return isPicture(stream) && parameters.width > 0 && parameters.height > 0;
-}
-
-void Source::throwIfNeeded(std::size_t index) const {
-    const AVStream& stream = *mDemuxer->streams[index];
-    if (isPicture(stream) || stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
-        throw Failure(ErrorCode::SourceDamaged, text("Stream ", index, " of \"", path(),
-                                                     "\" begins so late that it was not "
-                                                     "recognised"));
-    }
 }
 
 void Source::discardUnwanted() {
@@ -195,18 +227,66 @@ Ticks Source::duration() const {
 }
 
 bool Source::read(AVPacket& packet) {
-    const int result = av_read_frame(mDemuxer.get(), &packet);
-    if (result >= 0) {
-        return true;
+    const Complaints::Listening listening(mComplaints, *mDemuxer);
+    for (int failures = 0; failures < kMostFailures;) {
+        const std::int64_t before = avio_tell(mDemuxer->pb);
+        const int result = readOnce(packet);
+        if (result >= 0) {
+            if (mSkippedFrom) {
+                mComplaints.add(static_cast<std::int64_t>(*mSkippedFrom));
+                mSkippedFrom.reset();
+            }
+            return true;
+        }
+        // Past the end of a file that was cut, the index may still name packets before it.
+        if (result == AVERROR_EXIT || (result == AVERROR_EOF && !isCutShort())) {
+            break;
+        }
+        const std::int64_t after = avio_tell(mDemuxer->pb);
+        if (result == AVERROR(EAGAIN)) {
+            mSkippedFrom = mSkippedFrom.value_or(static_cast<std::uint64_t>(after - kResync));
+            failures = after > before ? 0 : failures;
+        } else {
+            mComplaints.add(before);
+        }
+        ++failures;
     }
-    if (result != AVERROR_EXIT) {
+    noteEnd();
+    return false;
+}
+
+int Source::readOnce(AVPacket& packet) {
+    mStop.throwIfRaised();
+    errno = 0;
+    const int result = av_read_frame(mDemuxer.get(), &packet);
+    // Demuxers take what they have no memory for as damaged, and step over it.
+    if (result == AVERROR(ENOMEM) || errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
+    if (result < 0 && result != AVERROR_EXIT) {
         mFile->throwIfUnsound();
     }
-    if (result != AVERROR_EOF && result != AVERROR_EXIT) {
-        throw Failure(ErrorCode::SourceDamaged,
-                      text("Source \"", path(), "\" is damaged: ", ffmpegErrorText(result)));
+    return result;
+}
+
+void Source::noteEnd() {
+    const bool isStream = std::ranges::any_of(
+        kStreamed, [this](const char* name) { return std::strstr(mDemuxer->iformat->name, name); });
+    const std::uint64_t end =
+        mSkippedFrom.value_or(static_cast<std::uint64_t>(avio_tell(mDemuxer->pb)));
+    mIsUnreadToItsEnd = isStream && end + kShortestTail < mDeclaredEnd && !isFilledWithZeros(end);
+}
+
+bool Source::isFilledWithZeros(std::uint64_t from) const {
+    std::vector<char> bytes(1 << 16);
+    for (std::size_t got = 1; got > 0; from += got) {
+        got = mFile->peek(from, bytes.data(), bytes.size());
+        mStop.throwIfRaised();
+        if (std::ranges::any_of(std::span(bytes).first(got), [](char each) { return each != 0; })) {
+            return false;
+        }
     }
-    return false;
+    return true;
 }
 
 } // namespace zelcore

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/Complaints.h"
 #include "engine/core/SourceFile.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,9 +32,10 @@ public:
     /// A trace line for each stream that is not wanted.
     void traceUnwanted() const;
 
-    /// Throws when a packet of this stream must not be missing from the destination: it is audio or
-    /// video that could not be understood, and was taken for empty, when the source was opened.
-    void throwIfNeeded(std::size_t index) const;
+    /// The kind of an open source's stream, also of one that turned up after the first opening.
+    AVMediaType kindOf(std::size_t index) const {
+        return mDemuxer->streams[index]->codecpar->codec_type;
+    }
 
     /// When its first wanted stream begins; 0 when nothing says.
     Ticks start() const;
@@ -42,13 +45,25 @@ public:
     /// Ready to read from the beginning; throws when the file is no longer the one that was known.
     void open();
     void close();
-    /// Of an open source. False at the end, where the file was found sound; throws when reading
-    /// fails.
+    /// Of an open source. Steps over what is broken; false at the end. Throws when the file cannot
+    /// be read or changed.
     bool read(AVPacket& packet);
+
+    /// The container says that the file should be longer.
+    bool isCutShort() const { return mMissingBytes > 0; }
+    std::uint64_t missingBytes() const { return mMissingBytes; }
+    /// Byte positions near which an open source was found broken so far, those in front of
+    /// packets that are still to be read included.
+    const std::vector<std::int64_t>& brokenAt() const { return mComplaints.positions(); }
+    /// After the end: the demuxer left a part of the file unread that is more than filling.
+    bool isUnreadToItsEnd() const { return mIsUnreadToItsEnd; }
 
 private:
     void openDemuxer();
     void discardUnwanted();
+    int readOnce(AVPacket& packet);
+    void noteEnd();
+    bool isFilledWithZeros(std::uint64_t from) const;
 
     const std::string mPath;
     const StopFlag& mStop;
@@ -56,6 +71,11 @@ private:
     MuxerPtr mKnown;                   ///< never muxes: what was found, without the demuxer
     std::unique_ptr<SourceFile> mFile; ///< before the demuxer, which reads from it until it closes
     DemuxerPtr mDemuxer;
+    Complaints mComplaints;
+    std::optional<std::uint64_t> mSkippedFrom; ///< nothing was recognised from here on
+    std::uint64_t mDeclaredEnd = 0;
+    std::uint64_t mMissingBytes = 0;
+    bool mIsUnreadToItsEnd = false;
 };
 
 using Sources = std::vector<std::unique_ptr<Source>>;

@@ -1,6 +1,7 @@
 #include "engine/core/Trace.h"
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/Complaints.h"
 #include "engine/core/SinkGate.h"
 #include "zel/IZelTraceSink.h"
 
@@ -25,6 +26,7 @@ SinkGate<zel::IZelTraceSink>& traceGate() {
 }
 
 void onFfmpegMessage(void* object, int level, const char* format, va_list arguments) {
+    Complaints::hear(object, level);
     if (level > AV_LOG_VERBOSE) {
         return;
     }

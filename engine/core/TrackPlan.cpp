@@ -1,6 +1,7 @@
 #include "engine/core/TrackPlan.h"
 
 #include "engine/core/Canvas.h"
+#include "engine/core/PacketShape.h"
 
 #include <algorithm>
 #include <cstring>
@@ -83,6 +84,10 @@ void decide(TrackPlan& plan, const Sources& sources) {
     }
     for (std::size_t part = 0; part < sources.size(); ++part) {
         const auto stream = plan.streamOfPart[part];
+        if (stream && !PacketShape::hasWholeHeader(*sources[part]->stream(*stream).codecpar)) {
+            plan.reason = text("part ", part + 1, " lacks its codec data");
+            return;
+        }
         if (stream && !haveSameParameters(*plan.reference, sources[part]->stream(*stream))) {
             plan.reason = text("part ", part + 1, " has other parameters");
             return;

@@ -28,7 +28,7 @@ VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& lo
 }
 
 void VideoTranscoder::beginPart(const AVStream& stream) {
-    mDecoder.emplace(stream);
+    mDecoder.emplace(stream, mLosses);
     mFitter.beginPart(stream);
 }
 
@@ -38,7 +38,7 @@ void VideoTranscoder::accept(AVPacket& packet) {
 
 void VideoTranscoder::endPart() {
     mDecoder->decode(nullptr, [this](AVFrame& picture) { encode(picture); });
-    mDecoder->throwIfNothingDecoded();
+    mDecoder->settle();
     mDecoder.reset();
 }
 

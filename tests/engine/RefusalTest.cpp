@@ -27,9 +27,9 @@ TEST_F(Refusal, NamesWhatIsWrongWithASource) {
         {20005, folder.write("playlist.mp4", playlist)},
         {20006, folder.write("header.mkv", mkv.substr(0, 100))},
         {20006, folder.write("header.mp4", mp4.substr(0, 100))},
-        {20006, folder.write("half.mkv", mkv.substr(0, mkv.size() / 2))},
+        {20012, folder.write("half.mkv", mkv.substr(0, mkv.size() / 2))},
         {20006, folder.write("half.mp4", mp4.substr(0, mp4.size() / 2))},
-        {20006, folder.write("half.wav", readFile(recording("pcm.wav")).substr(0, 100'000))},
+        {20012, folder.write("half.wav", readFile(recording("pcm.wav")).substr(0, 100'000))},
         {20010, recording("subtitles-alone.mkv")},
         {20011, folder.write("unknown.webm", unknown)},
     };
