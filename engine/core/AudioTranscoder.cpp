@@ -12,8 +12,12 @@ namespace zelcore {
 namespace {
 
 constexpr std::int64_t kBitsPerChannel = 80'000;
-// Smaller deviations are the rounding of containers that count in milliseconds.
-constexpr int kToleratedPartOfSecond = 10;
+// What sound may be off its time: more is filled or cut, less is the unrest of recorders' clocks,
+// out of which a drift is told by the mean and made good by playing a little faster or slower.
+constexpr int kMostOffMilliseconds = 40;
+constexpr int kDriftMilliseconds = 5;
+constexpr double kWeightOfOne = 1.0 / 16; ///< of one deviation in the mean
+constexpr int kSecondsToMakeGood = 2;
 // Beyond a day it is a damaged time, whose silence would fill the disk.
 constexpr std::int64_t kLongestGapInSeconds = 24 * 3600;
 constexpr int kSilencePiece = 8192;
@@ -125,6 +129,7 @@ void AudioTranscoder::beginFormat(const AVFrame& sound) {
         resample(nullptr); // the source changed its format on the way
     }
     mResampler = openResampler(sound, mEncoder.codec());
+    mFollowsDrift = false;
     mFormat = makeFrame();
     mFormat->format = sound.format;
     mFormat->sample_rate = sound.sample_rate;
@@ -144,9 +149,11 @@ void AudioTranscoder::bridgeTo(std::int64_t time) {
     }
     const int rate = mEncoder.codec().sample_rate;
     std::int64_t gap = addTimes(time, -mQueueEnd);
-    if (std::abs(gap) <= rate / kToleratedPartOfSecond) {
+    if (std::abs(gap) <= rate * kMostOffMilliseconds / 1000) {
+        followDrift(static_cast<double>(gap));
         return;
     }
+    mMeanGap = 0;
     trace(TraceLevel::Debug, text("Sound jumps by ", static_cast<double>(gap) / rate, " s"));
     if (gap / rate > kLongestGapInSeconds) {
         throw Failure(ErrorCode::SourceDamaged, text("Sound jumps by ", gap / rate, " s"));
@@ -162,6 +169,19 @@ void AudioTranscoder::bridgeTo(std::int64_t time) {
         silence->nb_samples = static_cast<int>(std::min<std::int64_t>(gap, kSilencePiece));
         queue(*silence, 0);
         encodeQueued(false);
+    }
+}
+
+void AudioTranscoder::followDrift(double gap) {
+    mMeanGap += (gap - mMeanGap) * kWeightOfOne;
+    const int rate = mEncoder.codec().sample_rate;
+    const int most = rate * kDriftMilliseconds / 1000;
+    if (std::abs(mMeanGap) > most || mFollowsDrift) {
+        mFollowsDrift = std::abs(mMeanGap) > most / 4.0;
+        require(
+            swr_set_compensation(mResampler.get(), mFollowsDrift ? static_cast<int>(mMeanGap) : 0,
+                                 kSecondsToMakeGood * rate),
+            "resampler");
     }
 }
 

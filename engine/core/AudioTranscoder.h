@@ -28,6 +28,8 @@ private:
     bool isOfFormat(const AVFrame& sound) const;
     /// Moves the queue's end to `time`, in samples.
     void bridgeTo(std::int64_t time);
+    /// `gap` is how many samples the next frame is late, negative when it is early.
+    void followDrift(double gap);
     void queue(const AVFrame& samples, int skip);
     /// Encodes whole frames; at the end also a last, shorter one.
     void encodeQueued(bool isEnd);
@@ -40,7 +42,9 @@ private:
     FramePtr mFormat; ///< what the resampler takes; it has no samples
     std::optional<Decoder> mDecoder;
     std::int64_t mQueueEnd = kNoTime; ///< time of the sample that comes next into the queue
-    int mToSkip = 0;                  ///< samples of an overlap that are still to be cut
+    double mMeanGap = 0;              ///< of late
+    bool mFollowsDrift = false;
+    int mToSkip = 0; ///< samples of an overlap that are still to be cut
 };
 
 } // namespace zelcore

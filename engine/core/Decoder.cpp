@@ -7,6 +7,20 @@
 
 namespace zelcore {
 
+namespace {
+
+constexpr std::int64_t kBytesForThreads = 128 << 20;
+
+/// Each thread holds a picture or two.
+int threadsFor(const AVCodecParameters& parameters) {
+    const std::int64_t pixels =
+        std::max<std::int64_t>(static_cast<std::int64_t>(parameters.width) * parameters.height, 1);
+    const auto most = std::clamp<std::int64_t>(kBytesForThreads / (pixels * 3 / 2 + 1), 1, 16);
+    return static_cast<int>(std::min<std::int64_t>(av_cpu_count() + 1, most));
+}
+
+} // namespace
+
 Decoder::Decoder(const AVStream& stream, Losses& losses, Clock clock, Purpose purpose)
     : mClock(clock), mFrameRate(stream.avg_frame_rate), mLosses(losses), mFrame(makeFrame()) {
     const AVCodecParameters& parameters = *stream.codecpar;
@@ -18,7 +32,7 @@ Decoder::Decoder(const AVStream& stream, Losses& losses, Clock clock, Purpose pu
     mCodec = owned<CodecPtr>(avcodec_alloc_context3(codec));
     require(avcodec_parameters_to_context(mCodec.get(), &parameters), "decoder parameters");
     mCodec->pkt_timebase = clock.base;
-    mCodec->thread_count = 0; // as many as there are processors
+    mCodec->thread_count = threadsFor(parameters);
     if (purpose == Purpose::Check) {
         mCodec->thread_count = 1; // so few packets at a time do not pay for threads
         mCodec->skip_loop_filter = AVDISCARD_ALL;

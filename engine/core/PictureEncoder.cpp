@@ -27,6 +27,26 @@ AVRational frameRate(const TrackPlan& plan) {
     return kUsualRate;
 }
 
+// An encoder holds some twenty pictures, with more than their own size of what it found in each,
+// and two for each thread. Up to 4K that is less than 1 GB.
+constexpr std::int64_t kBytesForThreads = 512 << 20;
+constexpr std::int64_t kMostPixelsUnbounded = 4096 * 2304;
+
+void boundMemory(AVCodecContext& codec) {
+    const std::int64_t pixels = PictureSize{codec.width, codec.height}.area();
+    const std::int64_t most = std::clamp<std::int64_t>(kBytesForThreads / (pixels * 6), 1, 16);
+    // By itself it takes half as many again as there are processors.
+    codec.thread_count = static_cast<int>(std::min<std::int64_t>(av_cpu_count() * 3 / 2, most));
+    if (pixels <= kMostPixelsUnbounded) {
+        return;
+    }
+    // Few pictures at a time: each is divided among the threads, none waits for later ones.
+    codec.thread_type = FF_THREAD_SLICE;
+    codec.max_b_frames = 0;
+    av_opt_set(codec.priv_data, "rc-lookahead", "2", 0);
+    av_opt_set(codec.priv_data, "x264-params", "sync-lookahead=0", 0);
+}
+
 void setQuality(AVCodecContext& codec) {
     if (av_opt_set(codec.priv_data, "crf", "21", 0) >= 0) {
         av_opt_set(codec.priv_data, "preset", "veryfast", 0);
@@ -82,8 +102,8 @@ CodecPtr pictureEncoder(const AVCodec& encoder, const Canvas& canvas, const Trac
         codec->time_base = av_make_q(1, 60'000); // MPEG-4 has 16 bits for it
     }
     codec->gop_size = kNoKeyFrameByCount;
-    codec->thread_count = 0; // as many as there are processors
     setQuality(*codec);
+    boundMemory(*codec);
     return codec;
 }
 
