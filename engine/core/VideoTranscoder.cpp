@@ -50,7 +50,7 @@ void VideoTranscoder::encode(AVFrame& picture) {
     const AVRational base = mEncoder.codec().time_base;
     std::int64_t time = picture.best_effort_timestamp;
     if (time == kNoTime) {
-        time = mLastTime == kNoTime ? 0 : mLastTime + 1;
+        time = mLastTime == kNoTime ? 0 : mLastTime + mLastDuration;
     } else {
         time = av_rescale_q(time, kTicks, base);
     }
@@ -66,7 +66,8 @@ void VideoTranscoder::encode(AVFrame& picture) {
     const std::int64_t duration = picture.pkt_duration > 0
                                       ? av_rescale_q(picture.pkt_duration, kTicks, base)
                                       : av_rescale_q(1, av_inv_q(mEncoder.codec().framerate), base);
-    mEncoder.encode(fitted, std::max<std::int64_t>(duration, 1));
+    mLastDuration = std::max<std::int64_t>(duration, 1);
+    mEncoder.encode(fitted, mLastDuration);
 }
 
 bool VideoTranscoder::mustBeKey(std::int64_t time) {

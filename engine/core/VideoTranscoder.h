@@ -32,7 +32,8 @@ private:
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;
     std::int64_t mLastTime = kNoTime; ///< in the encoder's clock
-    std::int64_t mLastKey = kNoTime;  ///< as far as this class asked for it
+    std::int64_t mLastDuration = 0;
+    std::int64_t mLastKey = kNoTime; ///< as far as this class asked for it
 };
 
 } // namespace zelcore
