@@ -27,6 +27,13 @@ Sources openSources(const std::vector<std::string>& paths, const StopFlag& stop)
     return sources;
 }
 
+/// Whoever hears of the end may delete the sources: they have to be those that were read.
+void throwIfAnyChanged(const Sources& sources) {
+    for (const auto& source : sources) {
+        throwIfChanged(source->path(), source->state());
+    }
+}
+
 void traceJob(const Sources& sources, const std::vector<TrackPlan>& plans) {
     for (const auto& source : sources) {
         trace(TraceLevel::Info,
@@ -96,8 +103,11 @@ void ConversionJob::convert() {
     destination->closeDurably();
     mStop.throwIfRaised();
     verify(*destination, written, mStop);
+    trace(TraceLevel::Debug, "The finished file is what was written");
+    throwIfAnyChanged(sources);
     mStop.throwIfRaised();
     destination->commit();
+    throwIfAnyChanged(sources);
     trace(TraceLevel::Info,
           text("Destination \"", mDestination, "\" is complete: ", destination->size(), " bytes"));
     progress.complete();

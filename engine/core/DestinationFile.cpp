@@ -1,6 +1,7 @@
 #include "engine/core/DestinationFile.h"
 
 #include "engine/core/LiveTemporaries.h"
+#include "engine/core/TemporaryMark.h"
 #include "engine/core/Trace.h"
 #include "engine/platform/OsPath.h"
 
@@ -18,20 +19,14 @@ constexpr int kBufferSize = 128 * 1024;
 // the end waits for little, and memory does not fill up with what is still to be written.
 constexpr std::uint64_t kWriteBackStep = 8 * 1024 * 1024;
 constexpr std::uint64_t kMostUnwritten = 64 * 1024 * 1024;
-constexpr const char* kTemporarySuffix = ".part";
 
-/// ".name." with the name cut, between two characters, so that numbers and suffix still fit into
-/// the 255 bytes that file systems allow.
-std::string temporaryPrefix(const std::string& destination) {
-    std::string name = nameOf(destination);
-    if (name.size() > 200) {
-        std::size_t end = 200;
-        while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U) {
-            --end;
-        }
-        name.resize(end);
-    }
-    return "." + name + ".";
+bool isOneOf(const std::vector<std::string>& sources, const OsFile& file) {
+    FileState wanted;
+    return file.state(wanted) != 0 ||
+           std::ranges::any_of(sources, [&wanted](const std::string& source) {
+               FileState state;
+               return stateOf(source, state) == 0 && state.isSameFileAs(wanted);
+           });
 }
 
 } // namespace
@@ -40,8 +35,8 @@ DestinationFile::DestinationFile(std::string destination, const std::vector<std:
                                  const StopFlag& stop)
     : mDestination(std::move(destination)), mFolder(folderOf(mDestination)), mStop(stop) {
     refuseUnlessFree(sources);
-    removeLeftovers();
-    createTemporary();
+    removeLeftovers(sources);
+    createTemporary(sources);
     auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferSize));
     mIo.reset(avio_alloc_context(buffer, kBufferSize, 1, this, nullptr, &onWrite, &onSeek));
     if (mIo == nullptr) {
@@ -59,11 +54,15 @@ DestinationFile::~DestinationFile() {
     LiveTemporaries::instance().remove(mTemporary);
 }
 
-void DestinationFile::refuseUnlessFree(const std::vector<std::string>& sources) const {
+void DestinationFile::refuseUnlessFree(const std::vector<std::string>& sources) {
     FileState folder;
     if (stateOf(mFolder, folder) != 0 || !folder.isFolder) {
         throw Failure(ErrorCode::DestinationFolderMissing,
                       text("The destination's folder \"", mFolder, "\" does not exist"));
+    }
+    if (isLink(mDestination)) {
+        throw Failure(ErrorCode::DestinationNotAFile,
+                      text("Destination \"", mDestination, "\" is a link to another place"));
     }
     FileState existing;
     const int error = stateOf(mDestination, existing);
@@ -85,42 +84,74 @@ void DestinationFile::refuseUnlessFree(const std::vector<std::string>& sources) 
                 text("Destination \"", mDestination, "\" is the source \"", source, "\""));
         }
     }
+    if (isWriteProtected(mDestination)) {
+        fail(EACCES, "asking whether it may be replaced");
+    }
+    mIsReplacing = true;
 }
 
-void DestinationFile::removeLeftovers() const {
+void DestinationFile::removeLeftovers(const std::vector<std::string>& sources) const {
+    const std::string destination = nameOf(mDestination);
     for (const std::string& name :
-         namesIn(mFolder, temporaryPrefix(mDestination), kTemporarySuffix)) {
-        if (removeUnlessInUse(joinPath(mFolder, name))) {
+         namesIn(mFolder, temporaryPrefix(destination), kTemporarySuffix)) {
+        OsFile file;
+        const std::string path = joinPath(mFolder, name);
+        if (!isTemporaryName(name, destination) || OsFile::openToRemove(path, file) != 0) {
+            continue;
+        }
+        if (!carriesMark(file) || isOneOf(sources, file)) {
+            trace(TraceLevel::Warning,
+                  text("\"", name, "\" has the name of a temporary and is none: it stays"));
+        } else if (file.remove(path) == 0) {
             trace(TraceLevel::Info,
                   text("Removed \"", name, "\", left behind by a conversion that was cut off"));
         }
     }
 }
 
-void DestinationFile::createTemporary() {
+void DestinationFile::createTemporary(const std::vector<std::string>& sources) {
     static std::atomic<unsigned> number{0};
     for (;;) {
-        mTemporary = joinPath(mFolder, text(temporaryPrefix(mDestination), currentProcessId(), "-",
-                                            ++number, kTemporarySuffix));
+        mTemporary =
+            joinPath(mFolder, temporaryName(nameOf(mDestination), currentProcessId(), ++number));
         if (!LiveTemporaries::instance().add(mTemporary)) {
             throw Stopped{};
         }
-        const int error = OsFile::createNew(mTemporary, mFile);
+        int error = OsFile::createNew(mTemporary, mFile);
+        if (error == 0) {
+            error = identifyTemporary(sources);
+        }
         if (error == 0) {
             return;
         }
-        // Not ours: forget the name without removing the file.
-        LiveTemporaries::instance().forget(mTemporary);
+        mFile.close();
+        LiveTemporaries::instance().remove(mTemporary);
         if (error != EEXIST) {
             fail(error, "creating it");
         }
     }
 }
 
+int DestinationFile::identifyTemporary(const std::vector<std::string>& sources) {
+    if (const int error = mFile.state(mIdentity); error != 0) {
+        return error;
+    }
+    LiveTemporaries::instance().identify(mTemporary, mIdentity);
+    for (const std::string& source : sources) {
+        if (const int error = mFile.narrowPermissions(source); error != 0) {
+            return error;
+        }
+    }
+    return 0;
+}
+
 int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept {
     auto& file = *static_cast<DestinationFile*>(self);
     if (file.mStop.isRaised()) {
         return AVERROR_EXIT;
+    }
+    if (file.mPosition == 0) {
+        putMark({data, static_cast<std::size_t>(size)});
     }
     if (file.mError == 0) {
         file.mError = file.note(data, size);
@@ -134,7 +165,7 @@ int DestinationFile::onWrite(void* self, std::uint8_t* data, int size) noexcept 
     file.mPosition += static_cast<std::uint64_t>(size);
     file.mSize = std::max(file.mSize, file.mPosition);
     file.pushOutWritten();
-    return size;
+    return file.mError == 0 ? size : AVERROR(file.mError);
 }
 
 int DestinationFile::note(const std::uint8_t* data, int size) noexcept {
@@ -147,10 +178,10 @@ int DestinationFile::note(const std::uint8_t* data, int size) noexcept {
 }
 
 void DestinationFile::pushOutWritten() {
-    while (mSize - mPushedOut >= kWriteBackStep) {
-        mFile.startWriteBack(mPushedOut, kWriteBackStep);
-        if (mPushedOut >= kMostUnwritten) {
-            mFile.awaitWriteBack(mPushedOut - kMostUnwritten, kWriteBackStep);
+    while (mError == 0 && mSize - mPushedOut >= kWriteBackStep) {
+        mError = mFile.startWriteBack(mPushedOut, kWriteBackStep);
+        if (mError == 0 && mPushedOut >= kMostUnwritten) {
+            mError = mFile.awaitWriteBack(mPushedOut - kMostUnwritten, kWriteBackStep);
         }
         mPushedOut += kWriteBackStep;
     }
@@ -221,13 +252,23 @@ void DestinationFile::closeDurably() {
 }
 
 void DestinationFile::commit() {
-    mHold.close();
-    const int error = LiveTemporaries::instance().commit(mTemporary, mDestination);
+    // In use until it has its name: nobody else takes it for a leftover meanwhile.
+    const int error = LiveTemporaries::instance().commit(mTemporary, mDestination, mIsReplacing);
     if (error == ECANCELED) {
         throw Stopped{};
     }
+    if (error == EEXIST) {
+        throw Failure(ErrorCode::DestinationAppeared,
+                      text("A file came to \"", mDestination,
+                           "\" during the conversion; it is left as it is"));
+    }
     if (error != 0) {
         fail(error, "renaming it into place");
+    }
+    FileState placed;
+    if (stateOf(mDestination, placed) != 0 || !placed.isSameFileAs(mIdentity)) {
+        throw Failure(ErrorCode::WriteFailed,
+                      text("Destination \"", mDestination, "\" is not the file that was written"));
     }
     if (const int unsynced = syncFolder(mFolder); unsynced != 0) {
         // Complete and in place, but a power cut now may bring the older name back.
@@ -235,6 +276,7 @@ void DestinationFile::commit() {
                       text("The folder \"", mFolder,
                            "\" could not be written to the disk: ", systemErrorText(unsynced)));
     }
+    mHold.close();
 }
 
 } // namespace zelcore

@@ -16,7 +16,7 @@ namespace zelcore {
 class DestinationFile {
 public:
     /// Throws when the destination cannot become what is asked for: no folder, not writable, a
-    /// folder or device of that name, or one of the sources by whatever name.
+    /// folder, device or link of that name, or one of the sources by whatever name.
     DestinationFile(std::string destination, const std::vector<std::string>& sources,
                     const StopFlag& stop);
     DestinationFile(const DestinationFile&) = delete;
@@ -34,15 +34,16 @@ public:
     void throwIfFailed() const;
     /// Everything is on the disk and the file closed, each step checked. The name stays in use.
     void closeDurably();
-    /// Renames into place, over an older destination, durably.
+    /// Renames into place, durably; over an older destination only if that was there at the start.
     void commit();
 
 private:
     static int onWrite(void* self, std::uint8_t* data, int size) noexcept;
     static std::int64_t onSeek(void* self, std::int64_t offset, int whence) noexcept;
-    void refuseUnlessFree(const std::vector<std::string>& sources) const;
-    void createTemporary();
-    void removeLeftovers() const;
+    void refuseUnlessFree(const std::vector<std::string>& sources);
+    void removeLeftovers(const std::vector<std::string>& sources) const;
+    void createTemporary(const std::vector<std::string>& sources);
+    int identifyTemporary(const std::vector<std::string>& sources);
     int note(const std::uint8_t* data, int size) noexcept;
     void pushOutWritten();
     [[noreturn]] void fail(int error, const char* doing) const;
@@ -51,6 +52,8 @@ private:
     std::string mFolder;
     std::string mTemporary;
     const StopFlag& mStop;
+    bool mIsReplacing = false; ///< of what was there at the start
+    FileState mIdentity;       ///< of the temporary
     OsFile mFile;
     OsFile mHold; ///< keeps the closed temporary in use until it has its name
     std::uint64_t mPosition = 0;

@@ -29,6 +29,7 @@ enum class ErrorCode : std::int32_t {
     DiskFull = 20025,
     WriteFailed = 20026,
     VerificationFailed = 20027,
+    DestinationAppeared = 20028,
 
     InvalidArgument = 20041,
     Busy = 20042,

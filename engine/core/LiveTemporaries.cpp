@@ -24,29 +24,31 @@ LiveTemporaries& LiveTemporaries::instance() {
 
 bool LiveTemporaries::add(const std::string& path) {
     const std::lock_guard lock(mMutex);
-    return !mIsEnding && mPaths.insert(path).second;
+    return !mIsEnding && mTemporaries.emplace(path, std::nullopt).second;
+}
+
+void LiveTemporaries::identify(const std::string& path, const FileState& state) {
+    const std::lock_guard lock(mMutex);
+    mTemporaries[path] = state;
 }
 
 void LiveTemporaries::remove(const std::string& path) {
     const std::lock_guard lock(mMutex);
-    if (mPaths.erase(path) > 0) {
-        removeFile(path);
+    if (const auto found = mTemporaries.find(path); found != mTemporaries.end()) {
+        removeIdentified(*found);
+        mTemporaries.erase(found);
     }
 }
 
-void LiveTemporaries::forget(const std::string& path) {
-    const std::lock_guard lock(mMutex);
-    mPaths.erase(path);
-}
-
-int LiveTemporaries::commit(const std::string& path, const std::string& destination) {
+int LiveTemporaries::commit(const std::string& path, const std::string& destination,
+                            bool mayReplace) {
     const std::lock_guard lock(mMutex);
     if (mIsEnding) {
         return ECANCELED;
     }
-    const int error = replaceFile(path, destination);
+    const int error = mayReplace ? replaceFile(path, destination) : renameNew(path, destination);
     if (error == 0) {
-        mPaths.erase(path);
+        mTemporaries.erase(path);
     }
     return error;
 }
@@ -54,7 +56,15 @@ int LiveTemporaries::commit(const std::string& path, const std::string& destinat
 void LiveTemporaries::removeAll() {
     const auto lock = lockWithin(mMutex, kUnloadBound);
     mIsEnding = true;
-    for (const std::string& path : mPaths) {
+    for (const auto& temporary : mTemporaries) {
+        removeIdentified(temporary);
+    }
+}
+
+void LiveTemporaries::removeIdentified(const Temporaries::value_type& temporary) {
+    const auto& [path, identity] = temporary;
+    FileState found;
+    if (identity && stateOf(path, found) == 0 && found.isSameFileAs(*identity)) {
         removeFile(path);
     }
 }

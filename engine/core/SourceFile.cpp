@@ -16,7 +16,17 @@ constexpr int kBufferSize = 256 * 1024;
     throw Failure(code, text("Source \"", path, "\" ", why));
 }
 
+constexpr const char* kChanged = "changed while it was being converted";
+
 } // namespace
+
+void throwIfChanged(const std::string& path, const FileState& known) {
+    FileState now;
+    const int error = stateOf(path, now);
+    if (error != ENOENT && error != ENOTDIR && (error != 0 || now != known)) {
+        refuse(ErrorCode::SourceChanged, path, kChanged);
+    }
+}
 
 SourceFile::SourceFile(std::string path, const StopFlag& stop)
     : mPath(std::move(path)), mStop(stop) {
@@ -28,7 +38,7 @@ SourceFile::SourceFile(std::string path, const StopFlag& stop)
         refuse(ErrorCode::SourceNotAFile, mPath, "is a folder");
     }
     if (error == 0 && !mOpened.isOrdinary) {
-        refuse(ErrorCode::SourceNotAFile, mPath, "is no ordinary file");
+        refuse(ErrorCode::SourceNotAFile, mPath, "is a pipe or a device and no file");
     }
     if (error == 0) {
         error = OsFile::openForReading(mPath, mFile);
@@ -107,8 +117,9 @@ void SourceFile::throwIfUnsound() const {
     }
     FileState now;
     if (mShrunk || mFile.state(now) != 0 || now != mOpened) {
-        refuse(ErrorCode::SourceChanged, mPath, "changed while it was being converted");
+        refuse(ErrorCode::SourceChanged, mPath, kChanged);
     }
+    throwIfChanged(mPath, mOpened);
 }
 
 std::size_t SourceFile::peek(std::uint64_t position, void* buffer, std::size_t size) const {

@@ -9,6 +9,10 @@
 
 namespace zelcore {
 
+/// Throws when the path leads to another file, or to another state of it, than was known. That
+/// nothing is there any more is no harm: what was read is still what it was.
+void throwIfChanged(const std::string& path, const FileState& known);
+
 /// A source's bytes, for FFmpeg to read. Remembers what FFmpeg's demuxers tend to swallow: read
 /// errors, and a file that is not what it was when it was opened.
 class SourceFile {

@@ -39,11 +39,17 @@ public:
     /// As openForReading, and marks the file as in use, see createNew.
     static int openInUse(const std::string& path, OsFile& file);
     /// Creates a file that must not exist yet, for reading and writing, marked as in use until it
-    /// is closed: removeUnlessInUse leaves such a file alone, whichever process asks.
+    /// is closed: openToRemove leaves such a file alone, whichever process asks.
     static int createNew(const std::string& path, OsFile& file);
 
     /// Opens whatever is there, only to look at its state.
     static int openForState(const std::string& path, OsFile& file);
+
+    /// Opens a file to remove it, if no process has it in use; EBUSY otherwise. Links are not
+    /// followed.
+    static int openToRemove(const std::string& path, OsFile& file);
+    /// Of a file that was opened for that. `path` is its name.
+    int remove(const std::string& path);
 
     bool isOpen() const { return mHandle != kNone; }
     /// 0 or an errno value; every writer must look at it.
@@ -53,13 +59,17 @@ public:
     std::int64_t readAt(std::uint64_t position, void* buffer, std::size_t size, int& error) const;
     /// Writes everything or returns an errno value.
     int writeAt(std::uint64_t position, const void* data, std::size_t size) const;
-    /// Asks the system to begin writing a range to the disk, without waiting; a hint.
-    void startWriteBack(std::uint64_t position, std::uint64_t size) const;
-    /// Waits until a range handed to startWriteBack is on its way to the disk; a hint.
-    void awaitWriteBack(std::uint64_t position, std::uint64_t size) const;
+    /// Asks the system to begin writing a range to the disk, without waiting; a hint where it has
+    /// no such thing. 0 or an errno value: what the system tells here, it does not tell again.
+    int startWriteBack(std::uint64_t position, std::uint64_t size) const;
+    /// Waits until a range handed to startWriteBack is on its way to the disk; as above.
+    int awaitWriteBack(std::uint64_t position, std::uint64_t size) const;
     /// Everything written is on the disk when this returns 0.
     int syncToDisk() const;
     int state(FileState& state) const;
+    /// Takes away from others what a file of that name does not allow them either; a file that is
+    /// not there allows everything. On Windows nothing: what counts there is the folder.
+    int narrowPermissions(const std::string& like) const;
 
 private:
     using Handle = std::intptr_t;

@@ -29,6 +29,27 @@ int open(const std::string& path, int flags, std::intptr_t& handle) {
     return handle < 0 ? errno : 0;
 }
 
+/// Waits for somebody who looks whether the file is in use. Where a file system has no locks,
+/// nobody gets the one that tidying needs either.
+void markInUse(int file) {
+    while (::flock(file, LOCK_SH) != 0 && errno == EINTR) {
+    }
+}
+
+/// What is no hint's business, but the fate of bytes that were written.
+int writeBack(std::intptr_t file, std::uint64_t position, std::uint64_t size, unsigned how) {
+    while (::sync_file_range(static_cast<int>(file), static_cast<off_t>(position),
+                             static_cast<off_t>(size), how) != 0) {
+        if (errno == ENOSYS || errno == EINVAL || errno == ESPIPE || errno == EOPNOTSUPP) {
+            return 0;
+        }
+        if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
 } // namespace
 
 OsFile& OsFile::operator=(OsFile&& other) noexcept {
@@ -70,11 +91,32 @@ int OsFile::openForState(const std::string& path, OsFile& file) {
 int OsFile::openInUse(const std::string& path, OsFile& file) {
     const int error = openForReading(path, file);
     if (error == 0) {
-        // Shared, so that writer and verifier can hold it together; a file system without locks
-        // only loses the protection against another process's tidying.
-        ::flock(static_cast<int>(file.mHandle), LOCK_SH | LOCK_NB);
+        // Shared, so that writer and verifier can hold it together.
+        markInUse(static_cast<int>(file.mHandle));
     }
     return error;
+}
+
+int OsFile::openToRemove(const std::string& path, OsFile& file) {
+    Handle handle = kNone;
+    const int error = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW, handle);
+    if (error != 0) {
+        return error;
+    }
+    file = OsFile(handle);
+    return ::flock(static_cast<int>(handle), LOCK_EX | LOCK_NB) == 0 ? 0 : EBUSY;
+}
+
+int OsFile::remove(const std::string& path) {
+    struct stat opened {};
+    struct stat named {};
+    if (::fstat(static_cast<int>(mHandle), &opened) != 0 || ::lstat(path.c_str(), &named) != 0) {
+        return errno;
+    }
+    if (!S_ISREG(opened.st_mode) || !toState(opened).isSameFileAs(toState(named))) {
+        return EBUSY;
+    }
+    return ::unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
 int OsFile::createNew(const std::string& path, OsFile& file) {
@@ -84,7 +126,7 @@ int OsFile::createNew(const std::string& path, OsFile& file) {
             return error;
         }
         OsFile created(handle);
-        ::flock(static_cast<int>(handle), LOCK_SH | LOCK_NB);
+        markInUse(static_cast<int>(handle));
         struct stat found {};
         if (::fstat(static_cast<int>(handle), &found) == 0 && found.st_nlink > 0) {
             file = std::move(created);
@@ -136,14 +178,12 @@ int OsFile::writeAt(std::uint64_t position, const void* data, std::size_t size) 
     return 0;
 }
 
-void OsFile::startWriteBack(std::uint64_t position, std::uint64_t size) const {
-    ::sync_file_range(static_cast<int>(mHandle), static_cast<off_t>(position),
-                      static_cast<off_t>(size), SYNC_FILE_RANGE_WRITE);
+int OsFile::startWriteBack(std::uint64_t position, std::uint64_t size) const {
+    return writeBack(mHandle, position, size, SYNC_FILE_RANGE_WRITE);
 }
 
-void OsFile::awaitWriteBack(std::uint64_t position, std::uint64_t size) const {
-    ::sync_file_range(static_cast<int>(mHandle), static_cast<off_t>(position),
-                      static_cast<off_t>(size), SYNC_FILE_RANGE_WAIT_BEFORE);
+int OsFile::awaitWriteBack(std::uint64_t position, std::uint64_t size) const {
+    return writeBack(mHandle, position, size, SYNC_FILE_RANGE_WAIT_BEFORE);
 }
 
 int OsFile::syncToDisk() const {
@@ -162,6 +202,27 @@ int OsFile::state(FileState& state) const {
     }
     state = toState(found);
     return 0;
+}
+
+int OsFile::narrowPermissions(const std::string& like) const {
+    struct stat wide {};
+    struct stat narrow {};
+    if (::stat(like.c_str(), &narrow) != 0) {
+        return 0;
+    }
+    if (::fstat(static_cast<int>(mHandle), &wide) != 0) {
+        return errno;
+    }
+    mode_t allowed = narrow.st_mode & 0666U;
+    if (wide.st_gid != narrow.st_gid) {
+        // Another group is among those whom the file calls others.
+        allowed = (allowed & 0606U) | ((allowed & 0006U) << 3U);
+    }
+    const mode_t mode = wide.st_mode & (allowed | 0600U) & 0777U;
+    if (mode == (wide.st_mode & 0777U)) {
+        return 0;
+    }
+    return ::fchmod(static_cast<int>(mHandle), mode) == 0 ? 0 : errno;
 }
 
 } // namespace zelcore

@@ -70,9 +70,29 @@ int OsFile::openPastCache(const std::string& path, OsFile& file) {
     return error;
 }
 
-// Whatever is open is in use here: see removeUnlessInUse, which shares a file with nobody.
+// Whatever is open is in use here: see openToRemove, which shares a file with nobody.
 int OsFile::openInUse(const std::string& path, OsFile& file) {
     return openForReading(path, file);
+}
+
+int OsFile::openToRemove(const std::string& path, OsFile& file) {
+    const HANDLE opened =
+        CreateFileW(tarn::platform::nativePath(path).c_str(), GENERIC_READ | DELETE, 0, nullptr,
+                    OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) {
+        return lastErrno();
+    }
+    file = OsFile(reinterpret_cast<Handle>(opened));
+    return 0;
+}
+
+int OsFile::remove(const std::string& /*path*/) {
+    FILE_DISPOSITION_INFO disposition{};
+    disposition.DeleteFile = TRUE;
+    return SetFileInformationByHandle(toHandle(mHandle), FileDispositionInfo, &disposition,
+                                      sizeof disposition) != 0
+               ? close()
+               : lastErrno();
 }
 
 int OsFile::createNew(const std::string& path, OsFile& file) {
@@ -124,10 +144,17 @@ int OsFile::writeAt(std::uint64_t position, const void* data, std::size_t size) 
     return 0;
 }
 
-// The system has no such hints; its own writer begins early.
-void OsFile::startWriteBack(std::uint64_t /*position*/, std::uint64_t /*size*/) const {
+// The system has no such hints; its own writer begins early, and tells its errors to the sync.
+int OsFile::startWriteBack(std::uint64_t /*position*/, std::uint64_t /*size*/) const {
+    return 0;
 }
-void OsFile::awaitWriteBack(std::uint64_t /*position*/, std::uint64_t /*size*/) const {
+int OsFile::awaitWriteBack(std::uint64_t /*position*/, std::uint64_t /*size*/) const {
+    return 0;
+}
+
+// A file takes over what its folder says, which is what users there know and set.
+int OsFile::narrowPermissions(const std::string& /*like*/) const {
+    return 0;
 }
 
 int OsFile::syncToDisk() const {

@@ -13,6 +13,11 @@ namespace zelcore {
 /// Follows links. 0, or ENOENT when nothing is there, or another errno value.
 int stateOf(const std::string& path, FileState& state);
 
+/// A link that another path stands behind, whether that exists or not.
+bool isLink(const std::string& path);
+/// A file that its owner or the system keeps from being changed.
+bool isWriteProtected(const std::string& path);
+
 /// Folder part without the last separator, "." for a bare name, a root as it is.
 std::string folderOf(const std::string& path);
 std::string nameOf(const std::string& path);
@@ -20,9 +25,10 @@ std::string joinPath(const std::string& folder, const std::string& name);
 
 /// Renames over whatever has the target's name, in one step.
 int replaceFile(const std::string& from, const std::string& to);
+/// Renames in one step, or leaves both alone and returns EEXIST when something has the target's
+/// name.
+int renameNew(const std::string& from, const std::string& to);
 int removeFile(const std::string& path);
-/// Removes a file that no process has open through OsFile::createNew or openInUse.
-bool removeUnlessInUse(const std::string& path);
 /// Makes a rename in the folder permanent; nothing to do where the rename itself is.
 int syncFolder(const std::string& folder);
 /// Names in a folder that begin and end so.

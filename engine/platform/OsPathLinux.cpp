@@ -7,7 +7,6 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <memory>
-#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +17,18 @@ int stateOf(const std::string& path, FileState& state) {
     OsFile file;
     const int error = OsFile::openForState(path, file);
     return error != 0 ? error : file.state(state);
+}
+
+bool isLink(const std::string& path) {
+    struct stat found {};
+    return ::lstat(path.c_str(), &found) == 0 && S_ISLNK(found.st_mode);
+}
+
+bool isWriteProtected(const std::string& path) {
+    struct stat found {};
+    // Who runs as root may write everything, and still means something by taking that bit away.
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0 ||
+           (::stat(path.c_str(), &found) == 0 && (found.st_mode & 0222U) == 0);
 }
 
 std::string folderOf(const std::string& path) {
@@ -41,18 +52,31 @@ int replaceFile(const std::string& from, const std::string& to) {
     return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
-int removeFile(const std::string& path) {
-    return ::unlink(path.c_str()) == 0 ? 0 : errno;
+int renameNew(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
+        return errno;
+    }
+    // A file system that cannot say so in one step: a second name, which must be new, as well.
+    if (::link(from.c_str(), to.c_str()) == 0) {
+        return ::unlink(from.c_str()) == 0 ? 0 : errno;
+    }
+    if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP && errno != EMLINK) {
+        return errno;
+    }
+    // Without second names: an empty file that must be new, and that is ours to replace.
+    const int place = ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (place < 0) {
+        return errno;
+    }
+    ::close(place);
+    return replaceFile(from, to);
 }
 
-bool removeUnlessInUse(const std::string& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-    if (file < 0) {
-        return false;
-    }
-    const bool removed = ::flock(file, LOCK_EX | LOCK_NB) == 0 && ::unlink(path.c_str()) == 0;
-    ::close(file);
-    return removed;
+int removeFile(const std::string& path) {
+    return ::unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
 int syncFolder(const std::string& folder) {

@@ -39,6 +39,23 @@ int stateOf(const std::string& path, FileState& state) {
     return error != 0 ? error : file.state(state);
 }
 
+bool isLink(const std::string& path) {
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(nativePath(path).c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    FindClose(search);
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+            found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+}
+
+bool isWriteProtected(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(nativePath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 std::string folderOf(const std::string& path) {
     const std::size_t start = nameStart(path);
     if (start == 0) {
@@ -65,14 +82,13 @@ int replaceFile(const std::string& from, const std::string& to) {
                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
-int removeFile(const std::string& path) {
-    return result(DeleteFileW(nativePath(path).c_str()));
+int renameNew(const std::string& from, const std::string& to) {
+    return result(
+        MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(), MOVEFILE_WRITE_THROUGH));
 }
 
-bool removeUnlessInUse(const std::string& path) {
-    const HANDLE file = CreateFileW(nativePath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    return file != INVALID_HANDLE_VALUE && CloseHandle(file) != 0;
+int removeFile(const std::string& path) {
+    return result(DeleteFileW(nativePath(path).c_str()));
 }
 
 int syncFolder(const std::string& /*folder*/) {

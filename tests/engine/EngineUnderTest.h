@@ -55,6 +55,9 @@ private:
 
 struct RecordingTraceSink final : zel::IZelTraceSink {
     std::int32_t OnTrace(std::uint32_t level, const char* text) override {
+        if (onTrace) {
+            onTrace(text);
+        }
         const std::lock_guard lock(mMutex);
         lines.emplace_back(level, text);
         return 0;
@@ -66,6 +69,7 @@ struct RecordingTraceSink final : zel::IZelTraceSink {
         });
     }
 
+    std::function<void(const std::string&)> onTrace; ///< as RecordingSink::onProgress
     std::vector<std::pair<std::uint32_t, std::string>> lines;
 
 private:

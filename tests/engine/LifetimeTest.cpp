@@ -66,7 +66,7 @@ TEST_F(Lifetime, ConversionsSideBySideDoNotMix) {
     RecordingSink sinks[3];
     ASSERT_EQ(start(sinks[0], {recording("vp9-opus.webm")}, destination), 0);
     ASSERT_EQ(start(sinks[1], {folder / "missing"}, folder / "1.mp4"), 0);
-    ASSERT_EQ(start(sinks[2], {recording("h264-aac.mkv")}, destination), 0);
+    ASSERT_EQ(start(sinks[2], {recording("h264-aac.mkv")}, folder / "2.mp4"), 0);
     for (RecordingSink& sink : sinks) {
         ASSERT_TRUE(sink.waitFor());
     }
@@ -74,6 +74,7 @@ TEST_F(Lifetime, ConversionsSideBySideDoNotMix) {
     EXPECT_THAT(sinks[1].errors, ::testing::ElementsAre(20001));
     EXPECT_THAT(sinks[2].errors, IsEmpty());
     EXPECT_THAT(probe(destination), SizeIs(2));
+    EXPECT_THAT(probe(folder / "2.mp4"), SizeIs(2));
 }
 
 TEST_F(Lifetime, TheTraceHonoursTheMaximumLevel) {

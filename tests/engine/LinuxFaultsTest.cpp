@@ -44,6 +44,11 @@ TEST_F(LinuxFaults, ASourceOrFolderThatChangesMeanwhileIsAnErrorAndARemovedSourc
     const std::pair<std::int32_t, std::function<int()>> cases[] = {
         {20008, [&] { return ::truncate(source.c_str(), 900'000); }},
         {20008, [&] { return ::truncate(source.c_str(), 9'000'000); }},
+        {20008,
+         [&] {
+             const std::string other = folder.write("other", readFile(source));
+             return ::rename(other.c_str(), source.c_str());
+         }},
         {0, [&] { return ::unlink(source.c_str()); }},
         {20022, [&] { return ::rename(away.c_str(), (folder / "renamed").c_str()); }},
     };
@@ -85,18 +90,53 @@ TEST_F(LinuxFaults, AProcessThatEndsMidwayLeavesNothingAndNobodyTouchesATemporar
     EXPECT_EQ(status, 0);
     EXPECT_EQ(tarn::platform::listFolder(folder.path())->size(), 0U);
 
-    // One that a dead process left behind, and one with the mark of a file in use.
-    folder.write(".out.mp4.1-2.part", "left");
-    const std::string other = folder.write(".out.mp4.1-1.part", "at work");
-    const int held = ::open(other.c_str(), O_RDONLY | O_CLOEXEC);
+    // What a dead process left behind goes; what is in use, has no mark of ours, not quite such a
+    // name, or is a source itself stays.
+    const std::string whole = readFile(recording("h264-aac.mkv"));
+    RecordingSink first;
+    ASSERT_EQ(start(first, {recording("h264-aac.mkv")}, destination), 0);
+    ASSERT_NO_FATAL_FAILURE(awaitEnd(first));
+    const std::string ours = readFile(destination);
+    folder.write(".out.mp4.1-1.part", ours);
+    folder.write(".out.mp4.1-2.part", "");
+    const std::pair<std::string, std::string> stay[] = {
+        {".out.mp4.1-3.part", ours}, {".out.mp4.2-1.part", whole},  {".out.mp4.mine.part", ours},
+        {".out.mp4.1-.part", ours},  {".out.mp4.2-1-1.part", ours}, {".out.mp4.1-4.part", ours}};
+    for (const auto& [name, content] : stay) {
+        folder.write(name, content);
+    }
+    const int held = ::open((folder / ".out.mp4.1-3.part").c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(::flock(held, LOCK_SH), 0);
     RecordingSink sink;
-    ASSERT_EQ(start(sink, {recording("h264-aac.mkv")}, destination), 0);
+    ASSERT_EQ(start(sink, {folder / ".out.mp4.1-4.part"}, destination), 0);
     ASSERT_NO_FATAL_FAILURE(awaitEnd(sink));
-    EXPECT_EQ(temporaries(), 1U);
-    EXPECT_EQ(readFile(other), "at work");
-    EXPECT_EQ(trace.count(2, "left behind"), 1);
     ::close(held);
+    EXPECT_EQ(temporaries(), std::size(stay));
+    for (const auto& [name, content] : stay) {
+        EXPECT_EQ(readFile(folder / name), content) << name;
+    }
+    EXPECT_EQ(trace.count(2, "left behind"), 2);
+}
+
+TEST_F(LinuxFaults, ADestinationIsNoLinkAndNoMoreOpenThanItsSources) {
+    const std::string source = folder.write("a.mkv", readFile(recording("h264-aac.mkv")));
+    const std::string link = folder / "link.mp4";
+    for (const std::string& target : {source, folder / "nowhere"}) {
+        ASSERT_EQ(::symlink(target.c_str(), link.c_str()), 0);
+        expectRefusal(20024, {source}, link);
+        ::unlink(link.c_str());
+    }
+    trace.lines.clear();
+    // The other part is of mode 0644.
+    for (const auto& [mode, narrowed] :
+         {std::pair{0600U, 0600U}, {0640U, 0640U}, {0444U, 0644U}, {0777U, 0644U}}) {
+        ASSERT_EQ(::chmod(source.c_str(), mode), 0);
+        convert({recording("pcm.wav"), source}, destination);
+        struct stat made {};
+        ASSERT_EQ(::stat(destination.c_str(), &made), 0);
+        EXPECT_EQ(made.st_mode & 0777U, narrowed);
+        ::unlink(destination.c_str());
+    }
 }
 
 TEST_F(LinuxFaults, TheLibrariesExportTheContractAloneAndAreReallyUnloaded) {

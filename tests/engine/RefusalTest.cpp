@@ -1,6 +1,8 @@
 #include "engine/EngineUnderTest.h"
 
 #include <array>
+#include <filesystem>
+#include <future>
 
 namespace zelcore::testing {
 
@@ -45,6 +47,10 @@ TEST_F(Refusal, NamesWhatIsWrongWithTheDestination) {
     expectRefusal(20022, {whole}, folder / "no/such/folder/out.mp4");
     expectRefusal(20022, {whole}, folder.write("file", "x") + "/out.mp4");
     expectRefusal(20024, {whole}, folder.makeFolder("folder.mp4"));
+    const std::string kept = folder.write("kept.mp4", "kept");
+    std::filesystem::permissions(kept, std::filesystem::perms::owner_read);
+    expectRefusal(20023, {whole}, kept);
+    std::filesystem::permissions(kept, std::filesystem::perms::owner_all);
     expectRefusal(20005, {folder / "file"}, folder.write("older.mp4", "older"));
     EXPECT_EQ(readFile(folder / "older.mp4"), "older");
 }
@@ -57,6 +63,36 @@ TEST_F(Refusal, KeepsASourceThatIsAlsoTheDestination) {
         expectRefusal(20021, {whole, source}, to);
     }
     EXPECT_EQ(readFile(source), readFile(whole));
+}
+
+TEST_F(Refusal, AStopAChangedSourceOrAFileThatComesCountsUpToTheRenaming) {
+    const std::string source = folder / "a.mkv";
+    const std::pair<std::int32_t, std::function<void()>> cases[] = {
+        {0, [&] { stopConversions(0); }},
+        {20008, [&] { folder.write("a.mkv", readFile(source) + "more"); }},
+        {20008, [&] { folder.write("a.mkv", readFile(recording("h264-aac.mp4"))); }},
+        {20028, [&] { folder.write("out.mp4", "another's"); }},
+    };
+    for (const auto& [code, change] : cases) {
+        folder.write("a.mkv", readFile(whole));
+        std::promise<void> verified;
+        trace.onTrace = [&, &change = change](const std::string& line) {
+            if (line == "The finished file is what was written") {
+                change();
+                verified.set_value();
+            }
+        };
+        RecordingSink sink;
+        ASSERT_EQ(start(sink, {source}, destination), 0);
+        ASSERT_EQ(verified.get_future().wait_for(std::chrono::minutes(1)),
+                  std::future_status::ready);
+        ASSERT_TRUE(code == 0 || sink.waitFor());
+        ASSERT_EQ(stopConversions(60'000), 0); // the thread's end
+        EXPECT_EQ(sink.errors, std::vector<std::int32_t>(code == 0 ? 0 : 1, code));
+        EXPECT_LT(sink.progress.back(), 100);
+        EXPECT_EQ(readFile(destination), code == 20028 ? "another's" : "");
+        EXPECT_EQ(temporaries(), 0U);
+    }
 }
 
 TEST_F(Refusal, OfACallIsTheStartsResultAndNotifiesNobody) {

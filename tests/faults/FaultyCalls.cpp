@@ -6,7 +6,7 @@
 // CALL is one of open, read, write, fsync, flush (a part), close, rename, unlink; those at a
 // position, or in a folder that is open, count too. From the FIRST to the LAST such call on a path
 // that holds PATH-PART (counted from 1, LAST 0: for ever) ACTION happens instead: an errno number,
-// "short", or "kill".
+// "short", "drop" (a write is said to have been done), or "kill".
 
 #include <atomic>
 #include <cerrno>
@@ -24,6 +24,7 @@
 namespace {
 
 constexpr int kShort = -1;
+constexpr int kDropped = -2;
 
 struct Rule {
     std::string call;
@@ -49,7 +50,8 @@ std::deque<Rule>& rules() {
     return all;
 }
 
-/// What is to happen instead of a call: an errno number, which is set then, kShort, or 0: nothing.
+/// What is to happen instead of a call: an errno number, which is set then, kShort, kDropped, or
+/// 0: nothing.
 int faultOf(const char* call, const std::string& path) {
     for (Rule& rule : rules()) {
         if (rule.call != call || !path.contains(rule.pathPart)) {
@@ -64,6 +66,9 @@ int faultOf(const char* call, const std::string& path) {
         }
         if (rule.action == "short") {
             return kShort;
+        }
+        if (rule.action == "drop") {
+            return kDropped;
         }
         return errno = std::atoi(rule.action.c_str());
     }
@@ -110,6 +115,9 @@ ssize_t write(int file, const void* buffer, std::size_t size) {
 
 ssize_t pwrite(int file, const void* buffer, std::size_t size, off_t at) {
     const int fault = faultOf("write", file);
+    if (fault == kDropped) {
+        return static_cast<ssize_t>(size);
+    }
     return call<ssize_t>("pwrite", fault, file, buffer, shortened(fault, size), at);
 }
 

@@ -82,8 +82,13 @@ class Conversion(Faulty):
         ("write .part 3 0", "ENOSPC", 20025),
         ("write .part 3 3", "ENOSPC", 20025),
         ("write .part 5 0", "EIO", 20026),
+        ("flush .part 1 1", "EIO", 20026),  # told once, and not by the fsync that follows
         ("fsync .part 1 1", "EIO", 20026),
         ("read .part 1 1", "EIO", 20027),  # while it is verified
+        ("read .part 9 0", "EIO", 20027),
+        ("write .part 1 1", "drop", 20027),
+        ("write .part 50 50", "drop", 20027),
+        ("write .part 100 0", "drop", 20027),
     ] + [
         ("open .part 1 1", "ENOSPC", 20025),
         ("open .part 1 1", "EMFILE", 20026),
@@ -99,7 +104,7 @@ class Conversion(Faulty):
         for calls, error, code in self.FAILING:
             with self.subTest(calls=calls, error=error):
                 self.write("out.mp4", "older")
-                run = self.convert_faulty(f"{calls} {getattr(errno, error)}")
+                run = self.convert_faulty(f"{calls} {getattr(errno, error, error)}")
                 self.assertEqual(run.status, 1, run)
                 self.assertIn("The conversion failed", run.errors)
                 self.assertIn(f"error {code}: ", run.errors)
