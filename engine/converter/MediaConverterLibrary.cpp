@@ -27,4 +27,8 @@ ZEL_EXPORT std::int32_t ZelConversionLosses(std::int32_t accepts, char* text,
                                             std::uint32_t capacity) {
     return ZelCoreConversionLosses(accepts, text, capacity);
 }
+
+ZEL_EXPORT std::int32_t ZelConversionEnding(char* text, std::uint32_t capacity) {
+    return ZelCoreConversionEnding(text, capacity);
+}
 }

@@ -1,6 +1,7 @@
 #include "engine/core/ConversionJob.h"
 
 #include "engine/core/DestinationFile.h"
+#include "engine/core/Ending.h"
 #include "engine/core/PartJoiner.h"
 #include "engine/core/PartWatch.h"
 #include "engine/core/Trace.h"
@@ -60,6 +61,7 @@ ConversionJob::ConversionJob(std::vector<std::string> sources, std::string desti
 void ConversionJob::run() noexcept {
     try {
         keepLossSentence({});
+        keepEnding({});
         convert();
     } catch (const Stopped&) {
         trace(TraceLevel::Info, "Conversion stopped");
@@ -110,6 +112,7 @@ void ConversionJob::convert() {
     throwIfAnyChanged(sources);
     trace(TraceLevel::Info,
           text("Destination \"", mDestination, "\" is complete: ", destination->size(), " bytes"));
+    keepEnding({zel::kZelSuccess, {}});
     progress.complete();
 }
 
@@ -147,6 +150,7 @@ void ConversionJob::settleLosses() {
 
 void ConversionJob::report(ErrorCode code, const char* why) noexcept {
     try {
+        keepEnding({static_cast<std::int32_t>(code), why});
         trace(TraceLevel::Error, text("Error ", static_cast<std::int32_t>(code), ": ", why));
         mSink.call([code](zel::IZelMediaConverterSink& sink) {
             sink.OnError(static_cast<std::int32_t>(code));

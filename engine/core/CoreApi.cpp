@@ -2,6 +2,7 @@
 
 #include "engine/core/BoundedLock.h"
 #include "engine/core/Converter.h"
+#include "engine/core/Ending.h"
 #include "engine/core/JobRegistry.h"
 #include "engine/core/Losses.h"
 #include "engine/core/Trace.h"
@@ -32,6 +33,14 @@ Converters& converters() {
     // Leaked: what the program still holds at exit() stays valid.
     static auto& instance = *new Converters();
     return instance;
+}
+
+void handOver(const std::string& sentence, char* text, std::uint32_t capacity) {
+    if (text != nullptr && capacity > 0) {
+        const std::size_t length = std::min<std::size_t>(sentence.size(), capacity - 1);
+        std::copy_n(sentence.data(), length, text);
+        text[length] = '\0';
+    }
 }
 
 } // namespace
@@ -69,12 +78,18 @@ std::int32_t ZelCoreConversionLosses(std::int32_t accepts, char* text, std::uint
     try {
         zelcore::acceptLosses(accepts != 0);
         const std::string sentence = zelcore::lastLossSentence();
-        if (text != nullptr && capacity > 0) {
-            const std::size_t length = std::min<std::size_t>(sentence.size(), capacity - 1);
-            std::copy_n(sentence.data(), length, text);
-            text[length] = '\0';
-        }
+        handOver(sentence, text, capacity);
         return sentence.empty() ? 0 : static_cast<std::int32_t>(sentence.size() + 1);
+    } catch (...) {
+        return static_cast<std::int32_t>(zelcore::ErrorCode::OutOfMemory);
+    }
+}
+
+std::int32_t ZelCoreConversionEnding(char* text, std::uint32_t capacity) {
+    try {
+        const zelcore::Ending ending = zelcore::lastEnding();
+        handOver(ending.reason, text, capacity);
+        return ending.code;
     } catch (...) {
         return static_cast<std::int32_t>(zelcore::ErrorCode::OutOfMemory);
     }

@@ -30,7 +30,15 @@ using StopConversionsFunction = std::int32_t (*)(std::uint32_t timeoutMillisecon
 using ConversionLossesFunction = std::int32_t (*)(std::int32_t accepts, char* text,
                                                   std::uint32_t capacity);
 
+/// "ZelConversionEnding" of mediaconverter, optional, offered by our own engine alone, for a caller
+/// that is not the sink: how the conversion that was started last ended. kZelSuccess when its
+/// destination is complete, the number that OnError got when it failed, kZelNotEnded when it was
+/// stopped or is at work, or none was started. Writes at most `capacity` bytes of the sentence that
+/// says why it failed to `text`, always with a NUL. UTF-8, no full stop.
+using ConversionEndingFunction = std::int32_t (*)(char* text, std::uint32_t capacity);
+
 inline constexpr std::int32_t kZelSuccess = 0;
+inline constexpr std::int32_t kZelNotEnded = -1;
 /// Wrong number of source files; 0xFFFFFF9C, so a failure by isFailure() too.
 inline constexpr std::int32_t kZelSrcFileNumberError = -100;
 
