@@ -80,12 +80,20 @@ LibraryHandle loadLibrary(const wchar_t* fileName, const std::wstring& folder,
 }
 
 LibraryHandle safeLoadLibrary(const std::wstring& path, const SideLoadingPolicy& policy) {
-    const bool refused = !platform::isAbsolutePath(platform::toUtf8(path)) || policy.refuses(path);
-    return refused ? nullptr : platform::loadWithAlteredSearchPath(path);
+    if (!platform::isAbsolutePath(platform::toUtf8(path))) {
+        platform::refuseToLoad(platform::LoadRefusal::NoFullPath);
+        return nullptr;
+    }
+    if (policy.refuses(path)) {
+        platform::refuseToLoad(platform::LoadRefusal::Policy);
+        return nullptr;
+    }
+    return platform::loadWithAlteredSearchPath(path);
 }
 
 LibraryHandle loadSystemLibrary(const std::wstring& fileName) {
     if (!isBareName(fileName)) {
+        platform::refuseToLoad(platform::LoadRefusal::NoFullPath);
         return nullptr;
     }
     std::wstring path;

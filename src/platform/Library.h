@@ -37,6 +37,14 @@ void pinThisModule();
 /// an `errno` value on Linux.
 std::uint32_t lastError();
 
+/// Why the calling thread's last load failed, in the system's words, UTF-8 and without a full stop.
+/// Call it right after the failure.
+std::string loadFailureText();
+
+enum class LoadRefusal { NoFullPath, Policy };
+/// Makes lastError() and loadFailureText() tell of a library that was not even tried.
+void refuseToLoad(LoadRefusal reason);
+
 /// "mediaconverter" gives "mediaconverter.dll" or "libmediaconverter.so".
 std::string libraryFileName(const std::string& baseName);
 

@@ -4,19 +4,31 @@
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
 #include <elf.h>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace tarn::platform {
 namespace {
 
 thread_local std::uint32_t lastFailure = 0;
+/// Ends with a NUL. An array, because nothing here may need a destructor.
+thread_local std::array<char, 512> lastFailureText{};
+
+void keepFailure(int error, std::string_view text) {
+    lastFailure = static_cast<std::uint32_t>(error);
+    lastFailureText = {};
+    std::copy_n(text.begin(), std::min(text.size(), lastFailureText.size() - 1),
+                lastFailureText.begin());
+}
 
 /// dlopen reports text only: finds the errno value that says best why a file would not load.
 int reasonOfFailure(const std::string& path) {
@@ -43,7 +55,7 @@ LibraryHandle load(const std::wstring& widePath) {
     // A name without a separator would be searched for in LD_LIBRARY_PATH, a relative path in the
     // working folder.
     if (!isAbsolutePath(path) || path.find('\0') != std::string::npos) {
-        lastFailure = EINVAL;
+        refuseToLoad(LoadRefusal::NoFullPath);
         return nullptr;
     }
     LibraryHandle handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -55,7 +67,7 @@ LibraryHandle load(const std::wstring& widePath) {
     if (reason != ENOENT && text != nullptr) {
         TARN_LOG(RootLoggerLevel::Debug, "dlopen: " << text);
     }
-    lastFailure = static_cast<std::uint32_t>(reason);
+    keepFailure(reason, text != nullptr ? text : "");
     return nullptr;
 }
 
@@ -99,6 +111,19 @@ void pinThisModule() {
 
 std::uint32_t lastError() {
     return lastFailure;
+}
+
+std::string loadFailureText() {
+    std::string text = lastFailureText.data();
+    return text.empty() ? std::generic_category().message(static_cast<int>(lastFailure)) : text;
+}
+
+void refuseToLoad(LoadRefusal reason) {
+    if (reason == LoadRefusal::Policy) {
+        keepFailure(EPERM, "the side-loading policy refuses it");
+    } else {
+        keepFailure(EINVAL, "its path is not absolute");
+    }
 }
 
 std::string libraryFileName(const std::string& baseName) {

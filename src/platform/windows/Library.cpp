@@ -1,9 +1,11 @@
 #include "platform/Library.h"
 
+#include "platform/Text.h"
 #include "platform/windows/SystemPath.h"
 
 #include <windows.h>
 
+#include <array>
 #include <bit>
 
 namespace tarn::platform {
@@ -56,6 +58,27 @@ void pinThisModule() {
 
 std::uint32_t lastError() {
     return GetLastError();
+}
+
+std::string loadFailureText() {
+    const DWORD error = GetLastError();
+    if (error == ERROR_ACCESS_DISABLED_BY_POLICY) {
+        return "the side-loading policy refuses it";
+    }
+    std::array<wchar_t, 512> text{};
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+        nullptr, error, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
+    std::wstring_view words(text.data(), length);
+    while (words.ends_with(L' ') || words.ends_with(L'.')) {
+        words.remove_suffix(1);
+    }
+    return words.empty() ? "error " + std::to_string(error) : toUtf8(words);
+}
+
+void refuseToLoad(LoadRefusal reason) {
+    SetLastError(reason == LoadRefusal::Policy ? ERROR_ACCESS_DISABLED_BY_POLICY
+                                               : ERROR_BAD_PATHNAME);
 }
 
 std::string libraryFileName(const std::string& baseName) {
