@@ -70,9 +70,19 @@ void useRuntimeFolder(const std::vector<std::string>& arguments) {
 } // namespace
 
 void prepareQtEnvironment(const std::vector<std::string>& arguments) {
-    for (const char* const name : {"QTDIR", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH",
-                                   "QTWEBENGINE_REMOTE_DEBUGGING", "QML2_IMPORT_PATH"}) {
+    for (const char* const name :
+         {"QTDIR", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH", "QTWEBENGINE_REMOTE_DEBUGGING",
+          "QML2_IMPORT_PATH",
+          // A style that is not shipped keeps the window from loading.
+          "QT_STYLE_OVERRIDE", "QT_QUICK_CONTROLS_CONF", "QT_QUICK_CONTROLS_FALLBACK_STYLE"}) {
         unset(name);
+    }
+    // Qt ends the process for want of a plugin that draws.
+    for (const char* const name : {"QT_QUICK_BACKEND", "QMLSCENE_DEVICE"}) {
+        const QByteArray backend = qgetenv(name);
+        if (backend != "" && backend != "rhi" && backend != "software") {
+            unset(name);
+        }
     }
     set("QT_LOGGING_RULES", "*.info=true;");
     // The process ends by exit() with the window open: no thread of Qt's may be drawing then. Also,
