@@ -38,6 +38,11 @@ public:
     /// Copies an ordinary file into the folder, for the owner alone, with its modification time.
     /// EEXIST when the name is taken.
     bool copyIn(const std::string& from, const std::string& name) const;
+    /// Makes a folder in the folder for its owner alone.
+    bool makeFolder(const std::string& name) const;
+    /// Give a file a name in the folder; a link's target is what it leads to.
+    bool makeHardLink(const std::string& target, const std::string& name) const;
+    bool makeSymbolicLink(const std::string& target, const std::string& name) const;
     /// Removes what is in the folder, and then the folder itself. False when something stays.
     bool removeContents() const;
     bool removeAll();
@@ -49,6 +54,11 @@ private:
     std::string mPath;
     std::intptr_t mHandle; ///< Linux: descriptor, Windows: HANDLE
 };
+
+/// True when users other than the caller and the administrator can put something else under the
+/// name of what lies in the folder: they may write to it, or to a folder above it. Windows: false;
+/// a folder that is held open keeps its name there.
+bool canOthersReplaceIn(const std::string& folder);
 
 /// `prefix` and 16 hexadecimal digits of the system's randomness.
 std::string unforeseeableName(const std::string& prefix);

@@ -13,6 +13,7 @@ namespace tarn::platform {
 namespace {
 
 constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int kOnlyToLookAt = O_PATH | O_DIRECTORY | O_CLOEXEC;
 constexpr int kNamesTried = 100;
 
 int numberOf(std::intptr_t handle) {
@@ -23,6 +24,14 @@ int numberOf(std::intptr_t handle) {
 bool isMarked(int folder) {
     struct stat status {};
     return lockWithoutWaiting(folder) && fstat(folder, &status) == 0 && status.st_nlink > 0;
+}
+
+bool canOthersReplaceEntries(const struct stat& folder) {
+    if (folder.st_uid != 0 && folder.st_uid != geteuid()) {
+        return true;
+    }
+    // In a sticky folder everybody may make files, but touch only their own.
+    return (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (folder.st_mode & S_ISVTX) == 0;
 }
 
 bool removeBelow(int folder) {
@@ -108,6 +117,19 @@ bool OpenFolder::copyIn(const std::string& from, const std::string& name) const 
     return copyContentsInto(from, numberOf(mHandle), systemPath(name));
 }
 
+bool OpenFolder::makeFolder(const std::string& name) const {
+    return mkdirat(numberOf(mHandle), systemPath(name), S_IRWXU) == 0;
+}
+
+bool OpenFolder::makeHardLink(const std::string& target, const std::string& name) const {
+    return linkat(AT_FDCWD, systemPath(target), numberOf(mHandle), systemPath(name),
+                  AT_SYMLINK_FOLLOW) == 0;
+}
+
+bool OpenFolder::makeSymbolicLink(const std::string& target, const std::string& name) const {
+    return symlinkat(systemPath(target), numberOf(mHandle), systemPath(name)) == 0;
+}
+
 bool OpenFolder::removeContents() const {
     return removeBelow(numberOf(mHandle));
 }
@@ -115,6 +137,25 @@ bool OpenFolder::removeContents() const {
 bool OpenFolder::removeAll() {
     const bool isEmpty = removeContents();
     return rmdir(systemPath(mPath)) == 0 && isEmpty;
+}
+
+bool canOthersReplaceIn(const std::string& folder) {
+    struct stat below {};
+    for (int handle = ::open(systemPath(folder), kOnlyToLookAt); handle >= 0;) {
+        struct stat status {};
+        const bool isKnown = fstat(handle, &status) == 0;
+        const bool isRoot = status.st_dev == below.st_dev && status.st_ino == below.st_ino;
+        const int above = isKnown && !isRoot && !canOthersReplaceEntries(status)
+                              ? openat(handle, "..", kOnlyToLookAt)
+                              : -1;
+        closeQuietly(handle);
+        if (isRoot) {
+            return false;
+        }
+        below = status;
+        handle = above;
+    }
+    return true;
 }
 
 } // namespace tarn::platform

@@ -108,6 +108,22 @@ bool OpenFolder::copyIn(const std::string& from, const std::string& name) const 
     return true;
 }
 
+bool OpenFolder::makeFolder(const std::string& name) const {
+    return platform::makeFolder(mPath + '\\' + name);
+}
+
+bool OpenFolder::makeHardLink(const std::string& target, const std::string& name) const {
+    return platform::makeHardLink(target, mPath + '\\' + name);
+}
+
+bool OpenFolder::makeSymbolicLink(const std::string& target, const std::string& name) const {
+    // Granted to administrators and, from Windows 10 on, to everybody in developer mode.
+    constexpr DWORD kAllowUnprivileged = 0x2;
+    return CreateSymbolicLinkW(systemPath(mPath + '\\' + name).c_str(), systemPath(target).c_str(),
+                               kAllowUnprivileged) != 0 ||
+           failedByLastError();
+}
+
 bool OpenFolder::removeContents() const {
     bool removed = true;
     for (const FolderEntry& entry : entries().value_or(std::vector<FolderEntry>())) {
@@ -123,6 +139,10 @@ bool OpenFolder::removeAll() {
     const bool isEmpty = removeContents();
     close();
     return removeEmptyFolder(mPath) && isEmpty;
+}
+
+bool canOthersReplaceIn(const std::string& /*folder*/) {
+    return false;
 }
 
 } // namespace tarn::platform
