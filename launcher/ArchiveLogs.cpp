@@ -55,10 +55,11 @@ ExitStatus archiveLogs(const std::string& destination) {
     if (!result.succeeded()) {
         say("The logs could not be archived into " + inQuotes(destination) + ": " + result.text +
             ".");
-        return Failed;
+        return ExitStatus::Failed;
     }
-    tarn::platform::writeTerminal(tarn::platform::TerminalStream::Output, result.text + "\n");
-    return Converted;
+    tarn::platform::writeTerminal(tarn::platform::TerminalStream::Output,
+                                  visible(result.text) + "\n");
+    return ExitStatus::Complete;
 }
 
 } // namespace launcher

@@ -14,7 +14,7 @@ namespace launcher {
 /// How far a conversion is: written by the engine's thread, read by the one that waits.
 class ConversionState : public recordconverter::IMediaConverterCallback {
 public:
-    enum class Result { Complete, NothingWritten, Error };
+    enum class Result { Complete, Error };
     struct Ending {
         Result result = Result::Complete;
         std::int32_t errorCode = 0; ///< the engine's own
@@ -31,7 +31,7 @@ public:
     /// Decides between the engine's endings and the caller's giving up: true for the first alone.
     bool claimEnding() { return !mClaimed.exchange(true); }
 
-    /// The ending is dealt with completely, the sources included.
+    /// The ending is dealt with completely.
     void settle(Ending ending);
     /// The ending once it has settled; nothing when `patience` is over first.
     std::optional<Ending> waitUntilSettled(std::chrono::milliseconds patience);

@@ -32,6 +32,7 @@ Job makeJob(const Options& options) {
     job.destination = absolutePath(options.destination);
     job.engineFolder =
         options.engineFolder.empty() ? defaultEngineFolder() : resolvedFolder(options.engineFolder);
+    job.overwrite = options.overwrite;
     job.deleteSources = options.deleteSources;
     return job;
 }
@@ -57,6 +58,8 @@ ExitStatus convertOnTerminal(const Job& job) {
 
 /// The product library logs for itself, so nothing is set up here.
 ExitStatus convertWithWindow(const Job& job, Theme theme) {
+    takeOverExitStatus();
+    tarn::platform::catchInterrupts();
     if (const Objection objection = checkEngine(job.engineFolder)) {
         return refuse(*objection);
     }
@@ -74,14 +77,14 @@ ExitStatus convert(const Options& options) {
     return options.window ? convertWithWindow(job, options.theme) : convertOnTerminal(job);
 }
 
-int obey(const CommandLine& commandLine) {
+ExitStatus obey(const CommandLine& commandLine) {
     if (std::holds_alternative<HelpWanted>(commandLine)) {
         tarn::platform::writeTerminal(TerminalStream::Output, helpText(tarn::toolLogFolder()));
-        return 0;
+        return ExitStatus::Complete;
     }
     if (std::holds_alternative<VersionWanted>(commandLine)) {
         tarn::platform::writeTerminal(TerminalStream::Output, versionText());
-        return 0;
+        return ExitStatus::Complete;
     }
     if (const auto* error = std::get_if<UsageError>(&commandLine)) {
         return refuse(error->sentence + " See record-converter --help.");
@@ -96,10 +99,13 @@ int obey(const CommandLine& commandLine) {
 
 int runLauncher(const std::vector<std::string>& arguments) {
     try {
-        return obey(parseCommandLine(
+        const ExitStatus status = obey(parseCommandLine(
             {arguments.empty() ? arguments.begin() : arguments.begin() + 1, arguments.end()}));
+        return static_cast<int>(status);
     } catch (const std::exception& error) {
-        return refuse(std::string("An unexpected error ended the program: ") + error.what());
+        say(std::string("record-converter: an unexpected error ended the program: ") +
+            error.what());
+        return static_cast<int>(ExitStatus::Failed);
     }
 }
 

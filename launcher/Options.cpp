@@ -52,6 +52,8 @@ private:
             mError = "The option " + inQuotes(argument) + " is unknown.";
         } else if (name == "--no-window") {
             mOptions.window = false;
+        } else if (name == "--overwrite") {
+            mOptions.overwrite = true;
         } else if (name == "--delete-sources") {
             mOptions.deleteSources = true;
         } else {

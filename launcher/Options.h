@@ -15,6 +15,7 @@ struct Options {
     std::string engineFolder; ///< empty: the runtime folder beside the program
     Theme theme = Theme::Light;
     bool window = true;
+    bool overwrite = false;
     bool deleteSources = false;
 };
 

@@ -1,6 +1,7 @@
 #include "launcher/Paths.h"
 
 #include "platform/Identity.h"
+#include "platform/KnownFolders.h"
 #include "utils/FileUtils.h"
 
 #include <algorithm>
@@ -48,6 +49,10 @@ std::string resolvedFolder(const std::string& path) {
 std::string defaultEngineFolder() {
     const tarn::FileUtils files;
     const std::string programs = files.directoryOfPath(tarn::platform::programFile());
+    // Nothing and ".." would lead to what lies beside the working folder.
+    if (!tarn::platform::isAbsolutePath(programs)) {
+        return {};
+    }
     return resolvedFolder(files.joinPath(files.joinPath(programs, ".."), "runtime"));
 }
 

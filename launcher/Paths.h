@@ -10,7 +10,8 @@ std::string absolutePath(const std::string& path);
 /// The folder itself, seen through links, absolute and without a separator at its end. UTF-8.
 std::string resolvedFolder(const std::string& path);
 
-/// "<folder of the program>/../runtime", resolved.
+/// "<folder of the program>/../runtime", resolved; empty when the system does not tell where the
+/// program lies.
 std::string defaultEngineFolder();
 
 } // namespace launcher

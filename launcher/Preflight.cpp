@@ -2,6 +2,7 @@
 
 #include "launcher/Texts.h"
 #include "loader/LibraryLoader.h"
+#include "platform/FileIdentity.h"
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
 #include "platform/Library.h"
@@ -14,16 +15,26 @@
 namespace launcher {
 namespace {
 
-Objection checkSource(const std::string& source) {
-    const tarn::FileUtils files;
-    if (!files.exists(source)) {
+using tarn::platform::FileKind;
+
+Objection checkSource(const std::string& source, bool isToBeDeleted) {
+    const auto identity = tarn::platform::identifyFile(source);
+    if (!identity) {
         return "There is no recording " + inQuotes(source) + ": check the path.";
     }
-    if (files.dirExists(source)) {
+    if (identity->kind == FileKind::Folder) {
         return inQuotes(source) + " is a folder: name the recording's file in it.";
     }
-    if (!files.accessible(source)) {
-        return "The recording " + inQuotes(source) + " can not be read: check its permissions.";
+    // Opening one of those might wait for ever.
+    if (identity->kind != FileKind::Ordinary) {
+        return inQuotes(source) + " is a pipe or a device: save the recording as a file first.";
+    }
+    if (!tarn::FileUtils().accessible(source)) {
+        return "The recording " + inQuotes(source) + " cannot be read: check its permissions.";
+    }
+    if (isToBeDeleted && tarn::platform::isLink(source)) {
+        return inQuotes(source) +
+               " is a link: name the recording itself, or leave out --delete-sources.";
     }
     return std::nullopt;
 }
@@ -35,12 +46,38 @@ bool endsInMp4(const std::string& path) {
     return extension == ".mp4";
 }
 
-Objection checkDestination(const std::string& destination) {
-    const tarn::FileUtils files;
-    if (files.dirExists(destination)) {
-        return inQuotes(destination) + " is a folder: name the file to write in it.";
+/// What has the destination's name already.
+Objection checkPresent(const Job& job) {
+    const std::string name = inQuotes(job.destination);
+    if (tarn::platform::isLink(job.destination)) {
+        return name + " is a link: name the file to write itself.";
     }
-    // The last argument is replaced, so a forgotten destination must not cost a recording.
+    const auto present = tarn::platform::identifyFile(job.destination);
+    if (!present) {
+        return std::nullopt;
+    }
+    if (present->kind == FileKind::Folder) {
+        return name + " is a folder: name the file to write in it.";
+    }
+    if (present->kind != FileKind::Ordinary) {
+        return name + " is a pipe or a device: choose another name.";
+    }
+    // A forgotten destination must not cost the last recording.
+    if (!job.overwrite) {
+        return name + " exists: choose another name, or replace it with --overwrite.";
+    }
+    if (tarn::platform::isWriteProtected(job.destination)) {
+        return name + " is write-protected: choose another name, or change its permissions.";
+    }
+    return std::nullopt;
+}
+
+Objection checkDestination(const Job& job) {
+    const tarn::FileUtils files;
+    const std::string& destination = job.destination;
+    if (Objection objection = checkPresent(job)) {
+        return objection;
+    }
     if (!endsInMp4(destination)) {
         return "The destination " + inQuotes(destination) +
                " must end in .mp4: give its name last.";
@@ -51,7 +88,7 @@ Objection checkDestination(const std::string& destination) {
     }
     if (!tarn::platform::isFolderWritable(folder)) {
         return "The folder " + inQuotes(folder) +
-               " can not be written: choose another destination or change its permissions.";
+               " cannot be written: choose another destination or change its permissions.";
     }
     return std::nullopt;
 }
@@ -60,7 +97,7 @@ Objection checkDestination(const std::string& destination) {
 
 Objection checkFiles(const Job& job) {
     for (const std::string& source : job.sources) {
-        if (Objection objection = checkSource(source)) {
+        if (Objection objection = checkSource(source, job.deleteSources)) {
             return objection;
         }
     }
@@ -70,13 +107,16 @@ Objection checkFiles(const Job& job) {
                    " is one of the recordings: choose another name.";
         }
     }
-    return checkDestination(job.destination);
+    return checkDestination(job);
 }
 
 Objection checkEngine(const std::string& engineFolder) {
     const tarn::FileUtils files;
     const std::string name = tarn::platform::libraryFileName("mediaconverter");
     const std::string remedy = ": name the media engine's folder with --engine-folder.";
+    if (engineFolder.empty()) {
+        return "Where this program lies cannot be found out" + remedy;
+    }
     if (!tarn::platform::isAbsolutePath(engineFolder) || !files.dirExists(engineFolder)) {
         return "There is no folder " + inQuotes(engineFolder) + remedy;
     }
@@ -86,8 +126,8 @@ Objection checkEngine(const std::string& engineFolder) {
     }
     const auto library = tarn::loader::safeLoadLibrary(tarn::platform::toWide(path));
     if (library == nullptr) {
-        return "The media engine " + inQuotes(path) + " can not be loaded (error " +
-               std::to_string(tarn::platform::lastError()) + ")" + remedy;
+        return "The media engine " + inQuotes(path) + " cannot be loaded (" +
+               tarn::platform::loadFailureText() + ")" + remedy;
     }
     if (tarn::platform::findSymbol(library, "CreateMediaConverter") == nullptr) {
         return inQuotes(path) + " is no media engine (it lacks CreateMediaConverter)" + remedy;

@@ -11,13 +11,15 @@ struct Job {
     std::vector<std::string> sources;
     std::string destination;
     std::string engineFolder;
+    bool overwrite = false;
     bool deleteSources = false;
 };
 
 /// One sentence that names what stands in the way and what to do; nothing when the way is free.
 using Objection = std::optional<std::string>;
 
-/// The sources can be read, and the destination can be written and is none of them.
+/// The sources can be read, and the destination can be written, is none of them and replaces
+/// nothing without being asked to.
 Objection checkFiles(const Job& job);
 
 /// The engine library is there, loads and exports its factory. It stays loaded for the life of the

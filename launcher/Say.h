@@ -6,7 +6,7 @@
 
 namespace launcher {
 
-/// A sentence on standard error.
+/// A sentence on standard error, on a line of its own.
 void say(const std::string& sentence);
 
 /// Says why nothing is started.

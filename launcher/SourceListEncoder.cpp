@@ -1,9 +1,6 @@
 #include "launcher/SourceListEncoder.h"
 
-#include "launcher/Texts.h"
-
 #include <algorithm>
-#include <string_view>
 
 namespace launcher {
 namespace {
@@ -29,13 +26,7 @@ std::size_t commonLength(const std::vector<std::string>& paths) {
 
 } // namespace
 
-std::variant<std::string, NotExpressible> encodeSourceList(const std::vector<std::string>& paths) {
-    for (const std::string& path : paths) {
-        if (path.contains('|')) {
-            return NotExpressible{"The window can not take " + inQuotes(path) +
-                                  " because of its '|': rename it, or convert with --no-window."};
-        }
-    }
+std::string encodeSourceList(const std::vector<std::string>& paths) {
     if (paths.size() == 1) {
         return paths.front();
     }
@@ -44,13 +35,7 @@ std::variant<std::string, NotExpressible> encodeSourceList(const std::vector<std
     std::string argument = paths.front().substr(0, common) + ".";
     char separator = '|';
     for (const std::string& path : paths) {
-        const std::string name = path.substr(common);
-        if (name.contains(':')) {
-            return NotExpressible{"The window can not take " + inQuotes(path) +
-                                  " beside the others because of its ':': rename it, or convert "
-                                  "with --no-window."};
-        }
-        argument += separator + name;
+        argument += separator + path.substr(common);
         separator = ':';
     }
     return argument;

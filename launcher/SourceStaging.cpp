@@ -1,91 +1,111 @@
 #include "launcher/SourceStaging.h"
 
 #include "platform/Files.h"
-#include "platform/Identity.h"
+#include "platform/KnownFolders.h"
 #include "utils/FileUtils.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace launcher {
 namespace {
 
-/// Names the computer too: in a shared folder another one's process numbers mean nothing here.
-std::string folderPrefix() {
-    return ".record-converter-sources-" + tarn::platform::computerName().value_or("") + "-";
-}
+using tarn::platform::FolderEntry;
+using tarn::platform::OpenFolder;
 
-/// The folders of processes that are gone, an earlier one with this process's number among them.
-void clearLeftovers(const std::string& parent) {
-    const tarn::FileUtils files;
-    const std::string prefix = folderPrefix();
-    const auto entries = tarn::platform::listFolder(parent, prefix + "*");
-    for (const auto& entry : entries.value_or(std::vector<tarn::platform::FolderEntry>())) {
-        std::uint32_t process = 0;
-        const char* const end = entry.name.data() + entry.name.size();
-        const auto number = std::from_chars(entry.name.data() + prefix.size(), end, process);
-        if (entry.isFolder && number.ec == std::errc() && number.ptr == end &&
-            (process == tarn::platform::processId() ||
-             !tarn::platform::isProcessRunning(process))) {
-            files.removeNonEmptyDir(files.joinPath(parent, entry.name));
+constexpr const char* kPrefix = ".record-converter-";
+/// A folder in each such folder. Nobody else has one of that name in a private folder of that name,
+/// which is what makes a folder ours.
+constexpr const char* kNames = "second-names";
+
+/// What processes that are gone left in a folder. Another user may have renamed a private folder of
+/// ours, so the name alone is not enough.
+void clearAbandoned(const std::string& parent) {
+    const auto found = tarn::platform::listFolder(parent, std::string(kPrefix) + "*");
+    for (const FolderEntry& entry : found.value_or(std::vector<FolderEntry>())) {
+        if (entry.name.size() != tarn::platform::unforeseeableName(kPrefix).size()) {
+            continue;
+        }
+        const auto leftover =
+            OpenFolder::openLeftover(tarn::FileUtils().joinPath(parent, entry.name));
+        const auto contents = leftover ? leftover->entries() : std::nullopt;
+        if (contents && std::ranges::all_of(*contents, [](const FolderEntry& each) {
+                return each.isFolder && each.name == kNames;
+            })) {
+            leftover->removeAll();
         }
     }
+}
+
+/// One argument carries all second names, in which neither '|' nor ':' may stand.
+std::string expressible(std::string name) {
+    std::ranges::replace(name, '|', '_');
+    std::ranges::replace(name, ':', '_');
+    return name;
+}
+
+std::string withoutSeparatorAtEnd(std::string folder) {
+    if (folder.size() > 1 && folder.back() == tarn::platform::pathSeparator()) {
+        folder.pop_back();
+    }
+    return folder;
 }
 
 } // namespace
 
 SourceStaging::SourceStaging(const std::vector<std::string>& sources,
                              const std::string& destinationFolder) {
-    for (const std::string& source : sources) {
-        if (!stage(source, destinationFolder)) {
-            clear();
+    for (const std::string& parent : {tarn::FileUtils().directoryOfPath(sources.front()),
+                                      destinationFolder, tarn::platform::temporaryFolder()}) {
+        if (!parent.contains('|') && stageIn(withoutSeparatorAtEnd(parent), sources)) {
             return;
         }
+        clear();
     }
 }
 
-void SourceStaging::clear() {
-    for (const std::string& folder : mFolders) {
-        tarn::FileUtils().removeNonEmptyDir(folder);
-    }
-    mFolders.clear();
-    mPaths.clear();
-}
-
-bool SourceStaging::stage(const std::string& source, const std::string& destinationFolder) {
-    const tarn::FileUtils files;
-    // Numbered, because two sources may have the same name in different folders.
-    const std::string name = std::to_string(mPaths.size() + 1) + files.extensionOfPath(source);
-    for (const std::string& parent : {files.directoryOfPath(source), destinationFolder}) {
-        const std::string folder = makeFolderIn(parent);
-        const std::string staged = files.joinPath(folder, name);
-        if (!folder.empty() && files.hardLink(source, staged)) {
-            mPaths.push_back(staged);
-            return true;
-        }
-    }
-    const std::string folder = makeFolderIn(destinationFolder);
-    const std::string staged = files.joinPath(folder, name);
-    if (folder.empty() || !files.copyFile(source, staged)) {
+bool SourceStaging::stageIn(const std::string& parent, const std::vector<std::string>& sources) {
+    clearAbandoned(parent);
+    if (tarn::platform::canOthersReplaceIn(parent)) {
         return false;
     }
-    mPaths.push_back(staged);
+    mFolder = OpenFolder::makePrivate(parent, kPrefix);
+    mNames = mFolder && mFolder->makeFolder(kNames) ? mFolder->folder(kNames) : nullptr;
+    return mNames &&
+           std::ranges::all_of(sources, [this](const auto& source) { return addLink(source); });
+}
+
+bool SourceStaging::addLink(const std::string& source) {
+    const tarn::FileUtils files;
+    // Two sources may have the same name in different folders.
+    const std::string number = std::to_string(mPaths.size() + 1);
+    const std::string name = expressible(files.fileNameOfPath(source));
+    const auto folder = mNames->makeFolder(number) ? mNames->folder(number) : nullptr;
+    if (!folder ||
+        !(folder->makeHardLink(source, name) || folder->makeSymbolicLink(source, name))) {
+        return false;
+    }
+    mPaths.push_back(files.joinPath(folder->path(), name));
+    return files.isSameFile(mPaths.back(), source);
+}
+
+bool SourceStaging::areGone() const {
+    for (std::size_t number = 1; number <= mPaths.size(); ++number) {
+        const auto folder = mNames->folder(std::to_string(number));
+        const auto links = folder ? folder->entries() : std::nullopt;
+        if (links && !links->empty()) {
+            return false;
+        }
+    }
     return true;
 }
 
-std::string SourceStaging::makeFolderIn(const std::string& parent) {
-    const tarn::FileUtils files;
-    std::string folder =
-        files.joinPath(parent, folderPrefix() + std::to_string(tarn::platform::processId()));
-    if (std::ranges::find(mFolders, folder) != mFolders.end()) {
-        return folder;
+void SourceStaging::clear() {
+    mPaths.clear();
+    mNames.reset();
+    if (mFolder) {
+        mFolder->removeAll();
+        mFolder.reset();
     }
-    clearLeftovers(parent);
-    if (!files.mkdir(folder)) {
-        return {};
-    }
-    mFolders.push_back(folder);
-    return folder;
 }
 
 } // namespace launcher

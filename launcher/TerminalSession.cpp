@@ -1,47 +1,27 @@
 #include "launcher/TerminalSession.h"
 
-#include "logging/LogCall.h"
-
 #include <utility>
 
 namespace launcher {
 
 using Result = ConversionState::Result;
 
-TerminalSession::TerminalSession(std::string engineFolder, std::vector<std::string> sourcesToDelete,
-                                 std::string destination,
+TerminalSession::TerminalSession(std::string engineFolder, std::string destination,
                                  std::shared_ptr<recordconverter::ConverterLog> converterLog,
                                  std::shared_ptr<ConversionState> state)
-    : WinMediaConverter(std::move(engineFolder), std::move(sourcesToDelete), destination,
+    // What the session does not know it cannot delete.
+    : WinMediaConverter(std::move(engineFolder), {}, std::move(destination),
                         std::move(converterLog)),
-      mDestination(std::move(destination)),
-      mOlderDestination(tarn::platform::fileDetails(mDestination)),
       mState(std::move(state)) {
 }
 
 void TerminalSession::OnProgress(float percent) {
     if (!(percent >= 100.0F)) {
         WinMediaConverter::OnProgress(percent);
-        return;
+    } else if (mState->claimEnding()) {
+        WinMediaConverter::OnProgress(percent);
+        mState->settle({Result::Complete});
     }
-    if (!mState->claimEnding()) {
-        return;
-    }
-    if (!destinationIsWritten()) {
-        TARN_LOG(tarn::RootLoggerLevel::Error,
-                 "The engine reported the end without a destination: " << mDestination);
-        mState->settle({Result::NothingWritten});
-        return;
-    }
-    WinMediaConverter::OnProgress(percent);
-    mState->settle({Result::Complete});
-}
-
-bool TerminalSession::destinationIsWritten() const {
-    const auto now = tarn::platform::fileDetails(mDestination);
-    return now && !now->isFolder && now->size > 0 &&
-           (!mOlderDestination || now->size != mOlderDestination->size ||
-            now->modified != mOlderDestination->modified);
 }
 
 void TerminalSession::OnError(std::int32_t code) {

@@ -1,21 +1,17 @@
 #pragma once
 
 #include "launcher/ConversionState.h"
-#include "platform/Files.h"
 #include "recordconverter/WinMediaConverter.h"
 
 #include <memory>
-#include <optional>
 
 namespace launcher {
 
-/// A session that says when an ending has been dealt with to its last step. It lets only the first
-/// ending through, and none once the caller has given the conversion up, so that nothing deletes
-/// the sources after that; nor does it when there is no destination to show for them.
+/// A session that deletes nothing and says when an ending has been dealt with to its last step. It
+/// lets only the first ending through, and none once the caller has given the conversion up.
 class TerminalSession : public recordconverter::WinMediaConverter {
 public:
-    TerminalSession(std::string engineFolder, std::vector<std::string> sourcesToDelete,
-                    std::string destination,
+    TerminalSession(std::string engineFolder, std::string destination,
                     std::shared_ptr<recordconverter::ConverterLog> converterLog,
                     std::shared_ptr<ConversionState> state);
 
@@ -23,10 +19,6 @@ public:
     void OnError(std::int32_t code) override;
 
 private:
-    bool destinationIsWritten() const;
-
-    std::string mDestination;
-    std::optional<tarn::platform::FileDetails> mOlderDestination;
     std::shared_ptr<ConversionState> mState;
 };
 

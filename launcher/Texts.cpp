@@ -1,19 +1,44 @@
 #include "launcher/Texts.h"
 
-#include "platform/Text.h"
+#include "logging/ControlCharacters.h"
+#include "platform/Utf8.h"
+
+#include <array>
+#include <cstdio>
 
 namespace launcher {
+namespace {
+
+bool turnsReadingRound(char32_t value) {
+    return value == 0x061C || value == 0x200E || value == 0x200F ||
+           (value >= 0x202A && value <= 0x202E) || (value >= 0x2066 && value <= 0x2069);
+}
+
+} // namespace
+
+std::string visible(std::string_view text) {
+    std::string plain(text);
+    tarn::escapeControlCharacters(plain);
+    std::string shown;
+    for (std::size_t at = 0; at < plain.size();) {
+        const auto character = tarn::platform::decodeUtf8(plain, at);
+        if (character.value == U'\t') {
+            shown += "\\t";
+        } else if (turnsReadingRound(character.value)) {
+            std::array<char, 8> code{};
+            std::snprintf(code.data(), code.size(), "\\u%04x",
+                          static_cast<unsigned>(character.value));
+            shown += code.data();
+        } else {
+            shown.append(plain, at, character.length);
+        }
+        at += character.length;
+    }
+    return shown;
+}
 
 std::string inQuotes(std::string_view text) {
-    // Through wide text and back: what is not UTF-8 comes out as the replacement character.
-    std::string safe = tarn::platform::toUtf8(tarn::platform::toWide(text));
-    for (char& character : safe) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x20 || code == 0x7F) {
-            character = '?';
-        }
-    }
-    return '"' + safe + '"';
+    return '"' + visible(text) + '"';
 }
 
 std::string helpText(std::string_view logFolder) {
@@ -29,8 +54,9 @@ recording, in the given order.
   --engine-folder DIR    the runtime folder, which holds the media engine and the
                          window's library; default: "runtime" beside the
                          program's own folder
-  --delete-sources       delete the sources when the destination is complete;
-                         default: keep them
+  --overwrite            replace a destination that exists; default: refuse it
+  --delete-sources       delete the sources when all that they hold is in the
+                         destination; default: keep them
   --archive-logs DIR     pack the logs of this and the previous run into a zip file
                          in that folder, where the newest five are kept
   --help, --version      say this, or the version
@@ -38,11 +64,12 @@ recording, in the given order.
 
 Ctrl-C stops a conversion, removes what was written so far and keeps the sources.
 
-exit status: 0 converted or archived; 1 that failed; 2 nothing was started, because
-of what is said on standard error; 130 stopped
+exit status: 0 converted completely, or archived; 1 that failed; 2 nothing was
+started; 3 converted, but something that the recording holds is missing in the
+destination: the sources are kept; 130 stopped. Standard error says why.
 
 log: )";
-    return text.append(logFolder).append("\n");
+    return text.append(visible(logFolder)).append("\n");
 }
 
 std::string versionText() {

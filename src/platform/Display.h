@@ -1,10 +1,15 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace tarn::platform {
 
-/// False when there is certainly no screen to show a window on. Windows always has one; on Linux it
-/// is what DISPLAY or WAYLAND_DISPLAY name, if somebody answers there, or what QT_QPA_PLATFORM
-/// puts in its place.
-bool hasDisplay();
+/// The window systems of this platform by Qt's names, the best first.
+std::vector<std::string> windowSystems();
+
+/// False when nobody answers to show a window on that system: the display that DISPLAY names for
+/// "xcb", the compositor that WAYLAND_DISPLAY names for "wayland". One that needs nobody is there.
+bool isWindowSystemThere(const std::string& name);
 
 } // namespace tarn::platform

@@ -6,6 +6,8 @@
 // await=VIEW until it is shown, after=N milliseconds, escape the key, close the controller's slot,
 // quit the event loop, print the window and its views, modules the files that the process has
 // mapped.
+//
+// Built as a library to be preloaded, it acts in the launcher: the actions are in TOAST_USER.
 
 #include "platform/Library.h"
 #include "platform/Text.h"
@@ -84,8 +86,17 @@ void actAsUser() {
     timer->start(1);
 }
 
+#ifdef TOAST_USER
+[[maybe_unused]] const bool isTakenOver = [] {
+    actions = QString::fromLocal8Bit(qgetenv("TOAST_USER")).split(' ', Qt::SkipEmptyParts);
+    qAddPreRoutine(actAsUser);
+    return true;
+}();
+#endif
+
 } // namespace
 
+#ifndef TOAST_USER
 #ifdef __SANITIZE_ADDRESS__
 // exit() from under the running QML engine tears nothing down, and the leak check does not look
 // into the engine's heap, which holds much of the rest. Whoever returns is checked.
@@ -121,3 +132,4 @@ int main(int argc, char** argv) {
     std::cout << "returned " << result << std::endl;
     return result;
 }
+#endif

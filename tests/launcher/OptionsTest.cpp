@@ -12,14 +12,16 @@ TEST(Options, HaveSafeDefaultsAndStandAnywhereBeforeTheirEnd) {
     EXPECT_THAT(options.sources, ElementsAre("a.mkv", "-"));
     EXPECT_EQ(options.destination, "out.mp4");
     EXPECT_EQ(options.engineFolder, "");
-    EXPECT_TRUE(options.theme == Theme::Light && options.window && !options.deleteSources);
+    EXPECT_TRUE(options.theme == Theme::Light && options.window && !options.overwrite &&
+                !options.deleteSources);
     options = std::get<Options>(
         parseCommandLine({"--no-window", "a", "--theme", "dark", "--engine-folder=x=y",
-                          "--delete-sources", "--", "--help", "-o.mp4"}));
+                          "--delete-sources", "--overwrite", "--", "--help", "-o.mp4"}));
     EXPECT_THAT(options.sources, ElementsAre("a", "--help"));
     EXPECT_EQ(options.destination, "-o.mp4");
     EXPECT_EQ(options.engineFolder, "x=y");
-    EXPECT_TRUE(options.theme == Theme::Dark && !options.window && options.deleteSources);
+    EXPECT_TRUE(options.theme == Theme::Dark && !options.window && options.overwrite &&
+                options.deleteSources);
     EXPECT_TRUE(std::holds_alternative<HelpWanted>(parseCommandLine({"a", "--help", "--bad"})));
 }
 
@@ -32,7 +34,7 @@ TEST(Options, SayWhatIsWrongWithACommandLine) {
         {{"a", "b", "--engine-folder"}, "--engine-folder takes the path"},
         {{"--engine-folder", "", "a", "b"}, "--engine-folder takes the path"},
         {{"a", ""}, "An empty text is no path"},
-        {{"a\xFF", "b"}, "\"a\xEF\xBF\xBD\" is not valid UTF-8"},
+        {{"a\xFF", "b"}, "\"a\\xff\" is not valid UTF-8"},
     };
     for (const auto& [arguments, expected] : cases) {
         const CommandLine result = parseCommandLine(arguments);

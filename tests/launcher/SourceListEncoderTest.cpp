@@ -1,7 +1,7 @@
 #include "launcher/SourceListEncoder.h"
 #include "recordconverter/SourceList.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace launcher {
 
@@ -14,19 +14,10 @@ TEST(SourceListEncoder, WritesWhatTheExpansionReadsBackAndSplitsNoCharacterInTwo
                                   {"/a.b/x", "/a.b/xy.z", "/a.b/"},
                                   {"/rec/same.mkv", "/rec/same.mkv"},
                                   {"..", "...", "...."}}) {
-        const auto encoded = std::get<std::string>(encodeSourceList(list));
+        const auto encoded = encodeSourceList(list);
         EXPECT_EQ(recordconverter::expandSourceList(encoded), list);
     }
-    EXPECT_EQ(std::get<std::string>(encodeSourceList({"/\xC3\xBC", "/\xC3\xB6"})),
-              "/.|\xC3\xBC:\xC3\xB6");
-}
-
-TEST(SourceListEncoder, RefusesByNameWhatItCanNotWrite) {
-    for (const auto& list :
-         Lists{{"/rec/a|b.mkv"}, {"/rec/x.mkv", "/rec/a:b.mkv"}, {"C:\\x.mkv", "D:\\a.mkv"}}) {
-        const auto encoded = std::get<NotExpressible>(encodeSourceList(list));
-        EXPECT_THAT(encoded.sentence, ::testing::HasSubstr("rename it"));
-    }
+    EXPECT_EQ(encodeSourceList({"/\xC3\xBC", "/\xC3\xB6"}), "/.|\xC3\xBC:\xC3\xB6");
 }
 
 } // namespace launcher

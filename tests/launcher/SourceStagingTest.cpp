@@ -1,87 +1,99 @@
+#include "launcher/SourceListEncoder.h"
 #include "launcher/SourceStaging.h"
 #include "platform/Files.h"
-#include "platform/Identity.h"
+#include "recordconverter/SourceList.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 namespace launcher {
 namespace {
 
+namespace fs = std::filesystem;
 using tarn::testing::readFile;
 using ::testing::IsEmpty;
 
-const std::string kPrefix = ".record-converter-sources-";
-
-/// The staging folders that are left in a folder.
-std::vector<std::string> leftIn(const std::string& parent) {
-    std::vector<std::string> names;
-    const auto entries = tarn::platform::listFolder(parent, kPrefix + "*").value();
-    for (const auto& entry : entries) {
-        names.push_back(entry.name);
-    }
-    return names;
-}
-
 class Staging : public ::testing::Test {
 protected:
+    /// The staging folders that are in a folder.
+    static std::vector<std::string> stagedIn(const std::string& parent) {
+        std::vector<std::string> names;
+        const auto entries = tarn::platform::listFolder(parent, ".record-converter-*").value();
+        for (const auto& entry : entries) {
+            names.push_back(entry.name);
+        }
+        return names;
+    }
+
     tarn::FileUtils files;
     tarn::testing::TemporaryFolder recordings;
     tarn::testing::TemporaryFolder results;
 };
 
-TEST_F(Staging, DeletingASecondNameKeepsTheSourceAndAFailureLeavesNothing) {
+TEST_F(Staging, LendsLinksUnderTheSourcesOwnNamesThatOneArgumentCanCarry) {
     const std::string other = recordings.makeFolder("other");
     std::vector<std::string> sources{recordings.write("a.part.mkv", "first"),
                                      recordings.write("other/a.part.mkv", "second")};
+#ifndef _WIN32
+    sources.push_back(recordings.write("at 10:30|1.mkv", "third"));
+#endif
     {
         const SourceStaging staging(sources, results.path());
-        ASSERT_EQ(staging.paths().size(), 2U);
-        for (std::size_t i = 0; i < 2; ++i) {
-            EXPECT_NE(staging.paths()[i], sources[i]);
+        ASSERT_EQ(staging.paths().size(), sources.size());
+        EXPECT_EQ(recordconverter::expandSourceList(encodeSourceList(staging.paths())),
+                  staging.paths());
+        EXPECT_EQ(files.fileNameOfPath(staging.paths()[1]), "a.part.mkv");
+        EXPECT_EQ(stagedIn(recordings.path()).size(), 1U);
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            EXPECT_FALSE(staging.areGone());
             EXPECT_TRUE(files.isSameFile(staging.paths()[i], sources[i]));
             EXPECT_TRUE(files.remove(staging.paths()[i]));
         }
+        EXPECT_TRUE(staging.areGone());
     }
     EXPECT_EQ(readFile(sources[0]) + readFile(sources[1]), "firstsecond");
-    sources.push_back(recordings / "gone.mkv");
+    sources.push_back(recordings / "no/gone.mkv");
     const SourceStaging failed(sources, results.path());
     EXPECT_THAT(failed.paths(), IsEmpty());
     for (const std::string& folder : {recordings.path(), other, results.path()}) {
-        EXPECT_THAT(leftIn(folder), IsEmpty());
+        EXPECT_THAT(stagedIn(folder), IsEmpty());
     }
 }
 
-TEST_F(Staging, CopiesASourceThatCanNotBeLinked) {
-    // Linux: no folder can be made beside this source, and no hard link leads to that file system.
-    const std::string source = "/proc/self/exe";
-    const std::string far = "/dev/shm/staging-" + std::to_string(tarn::platform::processId());
-    if (!files.exists(source) || !files.mkdir(far)) {
-        GTEST_SKIP() << "needs /proc and /dev/shm";
-    }
-    {
-        const SourceStaging staging({source}, far);
-        ASSERT_EQ(staging.paths().size(), 1U);
-        EXPECT_TRUE(staging.paths()[0].starts_with(far));
-        EXPECT_FALSE(files.isSameFile(staging.paths()[0], source));
-        EXPECT_EQ(files.getFileSize(staging.paths()[0]), files.getFileSize(source));
-    }
-    EXPECT_THAT(leftIn(far), IsEmpty());
-    EXPECT_TRUE(files.removeEmptyDir(far));
-}
-
-TEST_F(Staging, ClearsWhatAKilledProcessLeftAndNothingElse) {
-    const std::string own = kPrefix + tarn::platform::computerName().value_or("") + "-";
-    const std::string reused = own + std::to_string(tarn::platform::processId());
-    const std::string elsewhere = kPrefix + "another-computer-4294967";
-    const std::string unnumbered = own + "1x";
-    for (const std::string& name : {own + "4294967", reused, elsewhere, unnumbered}) {
-        recordings.makeFolder(name);
-    }
+TEST_F(Staging, ClearsAwayWhatIsItsOwnAndAbandonedAndFollowsNoLink) {
     const std::string source = recordings.write("a.mkv", "x");
-    { const SourceStaging staging({source}, results.path()); }
-    EXPECT_THAT(leftIn(recordings.path()), ::testing::UnorderedElementsAre(elsewhere, unnumbered));
+    const std::string victim = results.makeFolder("victim");
+    const std::string treasure = results.write("victim/b.mkv", "kept");
+    const auto plant = [&](const std::string& name, const std::string& mark, fs::perms open) {
+        const std::string folder = recordings.makeFolder(name);
+        recordings.makeFolder(name + "/" + mark);
+        recordings.write(name + "/" + mark + "/a.mkv", "x");
+        std::error_code ignored; // there may be no links
+        fs::create_directory_symlink(victim, folder + "/" + mark + "/1", ignored);
+        fs::permissions(folder, fs::perms::owner_all | open);
+    };
+    const std::string abandoned = ".record-converter-0123456789abcdef";
+    const std::vector<std::string> others{".record-converter-old",
+                                          ".record-converter-aaaaaaaaaaaaaaaa",
+                                          ".record-converter-bbbbbbbbbbbbbbbb"};
+    plant(abandoned, "second-names", fs::perms::none);
+    plant(others[0], "second-names", fs::perms::none); // no name of ours
+    plant(others[1], "1", fs::perms::none);            // a private folder, renamed by somebody
+#ifndef _WIN32
+    plant(others[2], "second-names", fs::perms::others_all); // others may have filled it
+#endif
+    {
+        const SourceStaging first({source}, results.path());
+        const SourceStaging second({source}, results.path());
+        EXPECT_TRUE(files.exists(first.paths()[0]));
+    }
+    EXPECT_EQ(readFile(treasure), "kept");
+#ifndef _WIN32
+    EXPECT_THAT(stagedIn(recordings.path()), ::testing::UnorderedElementsAreArray(others));
+#endif
 }
 
 } // namespace

@@ -8,10 +8,11 @@ import signal
 import subprocess
 import time
 import zipfile
+from pathlib import Path
 
-from program import FAKES, WINE, Case, library_file, linux_only, main, native
+from program import FAKES, LAUNCHER, WINE, Case, library_file, linux_only, main, native
 
-READY, FAILED, REFUSED, STOPPED = 0, 1, 2, 130
+READY, FAILED, REFUSED, INCOMPLETE, STOPPED = 0, 1, 2, 3, 130
 DONE = "progress 0\nprogress 55.5\nwrite done\nprogress 100\nprogress 100"
 LOG_FILES = [
     beginning + name
@@ -24,6 +25,7 @@ class Launched(Case):
     def setUp(self):
         super().setUp()
         self.environment["QT_QPA_PLATFORM"] = "offscreen"
+        self.environment["FAKE_PRODUCT"] = "exit"
 
     def stop(self, shown, *arguments, number=signal.SIGINT, **options):
         """Starts the launcher and sends it a signal once it shows a text."""
@@ -54,6 +56,7 @@ class Endings(Launched):
         ("whole", "result -100", None, FAILED, "did not start", False),
         ("failing-factory", "write done\nprogress 100", None, FAILED, "did not start", False),
         ("no-stop", "error 9\nhold", None, FAILED, "its error 9.", False),
+        ("whole", "lose 2 s\nwrite done\nprogress 100", None, INCOMPLETE, "2 s; the rec", False),
     ]
 
     def test_the_first_report_decides_and_only_success_deletes_what_it_was_told_to(self):
@@ -64,8 +67,8 @@ class Endings(Launched):
                     if older:
                         self.write("out.mp4", older)
                     sources = self.write("a.mkv", script), self.write("b.mkv")
-                    flag = ["--delete-sources"] * delete
-                    run = self.on_fake(variant, *flag, *sources, self.destination)
+                    flags = ["--delete-sources"] * delete + ["--overwrite"] * bool(older)
+                    run = self.on_fake(variant, *flags, *sources, self.destination)
                     self.assertEqual((run.status, run.output), (status, ""), run)
                     self.assertIn(said, run.errors)
                     self.assertNotIn("\r", run.errors)
@@ -76,15 +79,17 @@ class Endings(Launched):
                         self.assertIn("The conversion failed", run.errors)
                         self.assertIn("current_log.txt", run.errors)
                     elif variant == "whole":
+                        self.assertIn("out.mp4", run.errors)
                         self.assertEqual(self.destination.read_text(), "done")
                         self.assertEqual(self.logged("FreeLibrary successfully"), 2)
 
     def test_each_signal_to_stop_leaves_the_sources_and_an_older_destination(self):
-        # A stopped engine may still report; one without a stop may have written half of it.
-        for number, variant, script, older in [
-            (signal.SIGINT, "whole", "progress 20\nhold\nprogress 100", None),
-            (signal.SIGTERM, "no-stop", "write part\nprogress 20\nhold", None),
-            (signal.SIGHUP, "no-stop", "progress 20\nhold", "older"),
+        # A stopped engine may still report. What one without a stop has written under the
+        # destination's name may be another run's by now: it is named, and stays.
+        for number, variant, script, older, left in [
+            (signal.SIGINT, "whole", "progress 20\nhold\nprogress 100", None, None),
+            (signal.SIGTERM, "no-stop", "write part\nprogress 20\nhold", None, "part"),
+            (signal.SIGHUP, "no-stop", "progress 20\nhold", "older", "older"),
         ]:
             if WINE and number != signal.SIGINT:
                 continue
@@ -92,12 +97,15 @@ class Endings(Launched):
                 if older:
                     self.write("out.mp4", older)
                 source = self.write("a.mkv", script)
-                arguments = ("--delete-sources", source, self.destination)
+                arguments = ("--overwrite", "--delete-sources", source, self.destination)
                 engine = ("--no-window", "--engine-folder", FAKES / variant)
                 run = self.stop("20 %", *engine, *arguments, number=number)
                 self.assertIn("Stopped: nothing was converted", run.errors)
                 self.assertEqual(source.read_text(), script)
-                self.assertEqual(self.destination.exists() and "older", older is not None and older)
+                exists = self.destination.exists()
+                self.assertEqual(self.destination.read_text() if exists else None, left)
+                self.assertEqual("may be unfinished" in run.errors, left == "part")
+                self.destination.unlink(missing_ok=True)
                 self.assertEqual(self.logged("The conversion ends with status 130"), 1)
 
     @linux_only
@@ -139,6 +147,7 @@ class Refusals(Launched):
 
     def test_one_sentence_names_what_stands_in_the_way_and_nothing_is_touched(self):
         source, destination = self.write("a.mkv", DONE), self.destination
+        last = self.write("b.mp4", "recording")
         empty = self.folder / "empty"
         empty.mkdir()
         shutil.copy(FAKES / "whole" / library_file("mediaconverter"), self.folder)
@@ -148,8 +157,11 @@ class Refusals(Launched):
             ('"--quick" is unknown', no, "--quick", source, destination),
             ("There is no recording", no, "|" * 32000, destination),
             ("There is no recording", "gone.mkv", destination),
-            ("a??[31m.mkv", no, "a\n\x1b[31m.mkv", destination),
+            ("a\\n\\x1b[31m\\u202e.mkv", no, "a\n\x1b[31m\u202e.mkv", destination),
             ("is one of the recordings", no, source, source),
+            # The destination is forgotten: the last recording is none.
+            ("replace it with --overwrite", no, "--delete-sources", source, last),
+            ("replace it with --overwrite", source, last),
             (
                 "CreateMediaConverter",
                 no,
@@ -158,7 +170,7 @@ class Refusals(Launched):
                 source,
                 destination,
             ),
-            ("There is no window", "--engine-folder", FAKES / "no-stop", source, destination),
+            ("There is no window", "--engine-folder", FAKES / "no-instance", source, destination),
             # An engine is taken from its folder, and from no place of the system's search.
             ("There is no ", no, "--engine-folder", empty, source, destination),
             ("empty", no, "--engine-folder", "empty", source, destination),
@@ -170,24 +182,50 @@ class Refusals(Launched):
         if not WINE:
             cases += [  # not even root can write there
                 ("cannot be written", "--archive-logs", "/proc"),
-                ("can not be written", no, source, "/proc/out.mp4"),
-                ("\ufffd\ufffd", no, os.fsdecode(b"\xff\xc0\xed\xa0\x80"), destination),
+                ("cannot be written", no, source, "/proc/out.mp4"),
+                ("is a pipe or a device", no, "/dev/zero", destination),
+                ("is a link", no, "--overwrite", source, "link.mp4"),
+                ("\\xff\\xc0", no, os.fsdecode(b"\xff\xc0\xed\xa0\x80"), destination),
             ]
+            (self.folder / "link.mp4").symlink_to("nowhere.mp4")
+        left = self.files_left()
         for told, *arguments in cases:
             with self.subTest(arguments=arguments, told=told):
                 beside = {} if WINE else {"LD_LIBRARY_PATH": str(self.folder)}
                 self.refused(told, *arguments, **beside)
-                self.assert_left("a.mkv", library_file("mediaconverter"))
+                self.assert_left(*left)
         run = self.terminal("--engine-folder", ".", source, destination)
         self.assertEqual(run.status, READY, run)
 
     @linux_only
+    def test_without_proc_no_engine_is_taken_from_beside_the_working_folder(self):
+        (self.folder / "runtime").symlink_to(FAKES / "whole")
+        (self.folder / "bin").mkdir()
+        hidden = ["unshare", "-m", "sh", "-c", 'umount -l /proc && cd bin && exec "$@"', "sh"]
+        if subprocess.call([*hidden, "true"], cwd=self.folder, stderr=subprocess.DEVNULL):
+            self.skipTest("hiding /proc needs more rights")
+        arguments = (LAUNCHER, "--no-window", self.write("a.mkv", DONE), self.destination)
+        self.refused("Where this program lies", *hidden[1:], *arguments, program=hidden[0])
+
+    @linux_only
     def test_without_a_display_the_terminal_is_named(self):
-        source = self.write("a.mkv")
-        for x11, wayland in (("", ""), (":987", "none"), ("unix:987.0", "/no"), ("nonsense", "")):
-            display = {"DISPLAY": x11, "WAYLAND_DISPLAY": wayland, "QT_QPA_PLATFORM": ""}
+        source, whole = self.write("a.mkv"), FAKES / "whole"
+        for x11, wayland, system in (
+            ("", "", ""),
+            (":987", "none", ""),
+            ("unix:987.0", "/no", "xcb"),
+            ("localhost:987", "", ""),
+            ("nonsense", "", "wayland"),
+        ):
+            display = {"DISPLAY": x11, "WAYLAND_DISPLAY": wayland, "QT_QPA_PLATFORM": system}
             for told in ("no display", "--no-window"):
-                self.refused(told, source, self.destination, **display)
+                self.refused(told, "--engine-folder", whole, source, self.destination, **display)
+        for system, told in (("vnc", "no plugin for it"), ("offscreen;xcb", None)):
+            self.environment["QT_QPA_PLATFORM"] = system
+            if told:
+                self.refused(told, "--engine-folder", whole, source, self.destination)
+            else:
+                self.assertEqual(self.window("exit", source, self.destination).status, STOPPED)
 
     def test_help_and_version_go_to_standard_output_and_leave_no_log(self):
         for option, said in (("--help", "usage: record-converter"), ("--version", "record-conv")):
@@ -198,50 +236,82 @@ class Refusals(Launched):
 
 
 class WindowMode(Launched):
-    """What the launcher hands to the product library, and what is left when that ends."""
+    """What the launcher hands to the product library, and what it makes of how that ends."""
 
-    def test_the_sources_that_are_to_stay_are_lent_under_second_names(self):
+    # variant, order to the product, what the engine tells, --delete-sources, status, said
+    TOLD = [
+        # An engine that tells nothing: its session deletes the second names at the end.
+        ("no-stop", "write delete", {}, False, READY, "is ready"),
+        ("no-stop", "write delete", {}, True, READY, "is ready"),
+        ("no-stop", "delete", {}, True, FAILED, "wrote no destination"),
+        ("no-stop", "write", {}, True, FAILED, "stopped, or the engine failed"),
+        ("whole", "write delete", {"FAKE_ENDING": "0"}, True, READY, "is ready"),
+        (
+            "whole",
+            "write delete",
+            {"FAKE_ENDING": "0", "FAKE_LOSSES": "2 s"},
+            True,
+            INCOMPLETE,
+            "2 s; the recording is kept",
+        ),
+        ("whole", "exit", {"FAKE_ENDING": "20005 none"}, True, FAILED, "error 20005: none"),
+        # Another run's destination, which came while this one was stopped.
+        ("whole", "write delete", {}, True, STOPPED, "Stopped: nothing was converted"),
+        ("whole", "return 0", {}, True, STOPPED, "Stopped: nothing was converted"),
+        ("whole", "return -1", {}, True, FAILED, "could not be shown"),
+    ]
+
+    def test_the_status_and_the_source_follow_the_conversion_and_not_the_window(self):
+        for variant, order, told, delete, status, said in self.TOLD:
+            with self.subTest(variant=variant, order=order, told=told, delete=delete):
+                self.destination.unlink(missing_ok=True)
+                source = self.write("a b.mkv", "x")
+                flags = ["--delete-sources"] * delete
+                run = self.window(order, *flags, source, self.destination, variant=variant, **told)
+                self.assertEqual(run.status, status, run)
+                self.assertIn(said, run.errors)
+                kept = ["a b.mkv"] * (not delete or status != READY)
+                self.assert_left(*kept, *["out.mp4"] * ("write" in order))
+                self.assertEqual(list(self.folder.glob(".*")), [])
+
+    def test_the_client_s_arguments_are_handed_over_and_a_link_as_the_source(self):
         source = self.write("a b.mkv", "x")
-        run = self.window("delete", "--theme", "dark", source, self.destination)
-        self.assertEqual(run.status, READY, run)
+        run = self.window("write delete", "--theme", "dark", source, self.destination)
         rest = f"4:{native(self.destination)}\n5:2\nended\nsource there\n"
         begin = f"1:{native(FAKES / 'whole')}\n2:\n3:{native(self.folder)}"
-        self.assertRegex(run.output, f"(?s){re.escape(begin)}.*{re.escape(rest)}")
+        self.assertRegex(run.output, f"(?s){re.escape(begin)}.*a b.mkv\n{re.escape(rest)}")
         self.assertEqual(source.read_text(), "x")
-        self.assert_left("a b.mkv")
-        run = self.window("delete", "--delete-sources", source, self.destination)
-        said = f"3:{native(source)}\n4:{native(self.destination)}\n5:1\n"
-        self.assertIn(said, run.output)
-        self.assert_left()
 
     @linux_only
-    def test_a_second_name_is_a_link_in_the_folder_of_the_source_and_plain(self):
-        elsewhere = self.folder / "elsewhere"
-        elsewhere.mkdir()
-        odd = self.write("elsewhere/a|b.mkv", "x")
-        run = self.start(
-            "--engine-folder", FAKES / "whole", odd, self.destination, FAKE_PRODUCT="hold"
-        )
-        run.await_text("source there")
-        (lent,) = (each for each in self.folder.rglob("*.mkv") if each != odd)
-        self.assertIn(f"3:{lent}\n", run.output)
-        self.assertTrue(lent.samefile(odd) and lent.is_relative_to(elsewhere))
-        run.signal(signal.SIGINT)
-        run.wait()
-        for flag, status in (("--delete-sources", REFUSED), ("--theme=dark", READY)):
-            run = self.window("exit", *flag.split("="), odd, self.destination)
-            self.assertEqual((run.status, "a|b.mkv" in run.errors), (status, status == REFUSED))
-        self.assert_left("elsewhere/a|b.mkv")
+    def test_a_second_name_lies_where_other_users_cannot_replace_it(self):
+        for mode in (0o755, 0o777):
+            elsewhere = self.folder / oct(mode)
+            elsewhere.mkdir()
+            elsewhere.chmod(mode)
+            odd = elsewhere / "a|b:c.mkv"
+            odd.write_text("x")
+            run = self.start(
+                "--engine-folder", FAKES / "whole", odd, self.destination, FAKE_PRODUCT="hold"
+            )
+            run.await_text("source there")
+            lent = Path(re.search("(?m)^3:(.*)$", run.output)[1])
+            self.assertTrue(lent.samefile(odd) and lent.is_relative_to(self.folder), lent)
+            self.assertEqual(lent.is_relative_to(elsewhere), mode == 0o755)
+            self.assertEqual(lent.name, "a_b_c.mkv")
+            self.assertEqual(lent.parents[1].stat().st_mode & 0o777, 0o700)
+            run.signal(signal.SIGINT)
+            self.assertEqual(run.wait(), STOPPED)
+            self.assertFalse(lent.parents[1].exists())
 
     def test_no_second_name_is_left_however_it_ends(self):
         sources = self.write("a.mkv", "x"), self.write("b.mkv", "y")
-        for order, status in (("exit", READY), ("return 0", READY), ("return -1", FAILED)):
-            self.assertEqual(self.window(order, *sources, self.destination).status, status)
-            self.assert_left("a.mkv", "b.mkv")
+        self.assertEqual(self.window("exit", *sources, self.destination).status, STOPPED)
+        self.assertEqual(list(self.folder.glob(".*")), [])
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)[: 1 if WINE else 3]:
             arguments = ("--engine-folder", FAKES / "whole", *sources, self.destination)
             self.stop("\nsource ", *arguments, number=number, FAKE_PRODUCT="hold")
-            self.assert_left("a.mkv", "b.mkv")
+            self.assertEqual(list(self.folder.glob(".*")), [])
+        self.assert_left("a.mkv", "b.mkv")
 
 
 class Archive(Launched):

@@ -27,7 +27,7 @@ LAUNCHER = BUILD / ("bin/record-converter" + (".exe" if WINE else ""))
 RUNTIME = BUILD / "runtime"
 FAKES = BUILD / "tests/fake-engines"
 RECORDINGS = BUILD / "tests/recordings"
-REPLACE = []  # what lets a run replace an older destination
+REPLACE = ["--overwrite"]  # what lets a run replace an older destination
 PATIENCE = 120  # seconds; a machine under load is no fault
 KILLED = 128 + signal.SIGKILL
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Whole runs of the product library on the scripted engine, with toast_driver as the user."""
+import os
 import shutil
 import signal
 import time
@@ -142,6 +143,31 @@ class Window(Case):
             self.environment["LANG"] = language + ".UTF-8"
             output = self.show("progress 100\n", "await=viewFinish print close")
             self.assertIn("viewFinish 1 " + text, output, language)
+
+    def test_the_launcher_ends_with_the_conversion_s_status(self):
+        self.environment.update(
+            LD_PRELOAD=str(BUILD / "tests/libtoast_user.so"),
+            ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0",
+            QT_STYLE_OVERRIDE="no such style",
+            QT_QUICK_BACKEND="no such backend",
+        )
+        finished, failed = "await=viewFinish escape", "await=viewError escape"
+        for script, actions, status, said, engine in (
+            ("write film\nprogress 100\n", finished, 0, "is ready", self.runtime),
+            ("lose 2 s\nwrite film\nprogress 100\n", finished, 3, ": 2 s; the", self.runtime),
+            ("error 7\n", failed, 1, "error 7: as the script says", self.runtime),
+            ("junk", failed, 1, "source.mkv\" is no recording", RUNTIME),
+            ("hold\n", "await=viewStart close", 130, "Stopped: nothing was", self.runtime),
+            ("hold\n", "await=viewStart quit", 130, "Stopped: nothing was", self.runtime),
+        ):
+            with self.subTest(script=script, actions=actions):
+                source = self.write("source.mkv", script)
+                arguments = ("--overwrite", "--delete-sources", source, self.destination)
+                run = self.start("--engine-folder", engine, *arguments, TOAST_USER=actions)
+                self.assertEqual(run.wait(), status, run)
+                self.assertIn(said, run.errors)
+                self.assertEqual(source.exists(), status != 0)
+                self.assertEqual(list(self.folder.glob(".*")), [])
 
     def test_closed_at_any_moment_it_ends_with_status_0(self):
         script = "".join(f"progress {percent // 250}\n" for percent in range(20000))

@@ -7,10 +7,13 @@
 //   error N       OnError(N)
 //   destroy       the sink's destructor entry
 //   write TEXT    writes the destination
+//   lose TEXT     the sentence for ZelConversionLosses; without the caller's word an error, and
+//                 nothing more runs
 //   crash         ends the process from the engine's thread
 //   hold          waits until a stop is asked for, and goes on even then
 //
-// What was called is recorded for FakeEngineCalls.
+// What was called is recorded for FakeEngineCalls. Where nothing runs, FAKE_ENDING holds what
+// ZelConversionEnding tells ("20005 reason") and FAKE_LOSSES the other sentence.
 
 #include <algorithm>
 #include <chrono>
@@ -58,6 +61,9 @@ struct State {
     std::mutex mutex;
     std::condition_variable changed;
     std::string calls;
+    std::string losses;
+    std::string ending = "-1"; // code, blank, reason
+    bool acceptsLosses = false;
     bool stopping = false;
     int running = 0;
     std::vector<std::thread> threads;
@@ -99,12 +105,34 @@ std::vector<Command> readScript(const std::string& source) {
     return commands;
 }
 
-void run(Sink* sink, const Command& command, const std::string& destination) {
+void keepEnding(const std::string& ending) {
+    const std::lock_guard lock(state().mutex);
+    if (state().ending == "-1" && !state().stopping) {
+        state().ending = ending;
+    }
+}
+
+/// False when nothing more is to run.
+bool run(Sink* sink, const Command& command, const std::string& destination) {
     const auto& [name, argument] = command;
     if (name == "progress") {
-        sink->table->onProgress(sink, std::strtof(argument.c_str(), nullptr));
+        const float percent = std::strtof(argument.c_str(), nullptr);
+        if (percent >= 100.0F) {
+            keepEnding("0");
+        }
+        sink->table->onProgress(sink, percent);
     } else if (name == "error") {
+        keepEnding(argument + " as the script says");
         sink->table->onError(sink, std::atoi(argument.c_str()));
+    } else if (name == "lose") {
+        std::unique_lock lock(state().mutex);
+        state().losses = argument;
+        const bool isAccepted = state().acceptsLosses;
+        lock.unlock();
+        if (!isAccepted) {
+            sink->table->onError(sink, 20012);
+        }
+        return isAccepted;
     } else if (name == "destroy") {
         sink->table->destructorEntry(sink, 0);
     } else if (name == "write") {
@@ -115,6 +143,7 @@ void run(Sink* sink, const Command& command, const std::string& destination) {
         std::unique_lock lock(state().mutex);
         state().changed.wait(lock, [] { return state().stopping; });
     }
+    return true;
 }
 
 std::int32_t start(Instance* instance, const std::string& source, const std::string& destination) {
@@ -130,7 +159,9 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
     ++state().running;
     state().threads.emplace_back([sink = instance->sink, commands, destination] {
         for (const Command& command : commands) {
-            run(sink, command, destination);
+            if (!run(sink, command, destination)) {
+                break;
+            }
         }
         const std::lock_guard done(state().mutex);
         --state().running;
@@ -182,6 +213,20 @@ std::int32_t waitForScripts(bool stop, std::uint32_t milliseconds) {
     return 0;
 }
 
+/// The value of a variable, or else the scripted text.
+[[maybe_unused]] std::string wordsOf(const char* variable, const std::string& scripted) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr ? value : scripted;
+}
+
+[[maybe_unused]] std::int32_t handOver(const std::string& words, char* text,
+                                       std::uint32_t capacity) {
+    if (text != nullptr && capacity > 0) {
+        text[words.copy(text, capacity - 1)] = '\0';
+    }
+    return words.empty() ? 0 : static_cast<std::int32_t>(words.size() + 1);
+}
+
 } // namespace
 
 extern "C" {
@@ -201,6 +246,19 @@ std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
 #endif
 
 #ifndef FAKE_NO_STOP
+std::int32_t ZelConversionLosses(std::int32_t accepts, char* text, std::uint32_t capacity) {
+    const std::lock_guard lock(state().mutex);
+    state().acceptsLosses = accepts != 0;
+    return handOver(wordsOf("FAKE_LOSSES", state().losses), text, capacity);
+}
+
+std::int32_t ZelConversionEnding(char* text, std::uint32_t capacity) {
+    const std::lock_guard lock(state().mutex);
+    const std::string words = wordsOf("FAKE_ENDING", state().ending);
+    handOver(words.substr(std::min(words.find(' '), words.size() - 1) + 1), text, capacity);
+    return std::atoi(words.c_str());
+}
+
 std::int32_t ZelStopConversions(std::uint32_t timeoutMilliseconds) {
     return waitForScripts(true, timeoutMilliseconds);
 }

@@ -1,10 +1,12 @@
 // A product library for tests of the launcher: says what it was called with, then does what the
-// variable FAKE_PRODUCT says: "return N", "exit", "delete" (its source, then exit), "hold".
+// variable FAKE_PRODUCT says: "return N", "hold", or, separated by blanks, "write" the destination
+// and "delete" its source, and then exit.
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -21,7 +23,10 @@ extern "C" int TarnEntryPoint(int argc, wchar_t** argv) {
     if (order.starts_with("return ")) {
         return std::atoi(order.c_str() + 7);
     }
-    if (order == "delete") {
+    if (order.find("write") != std::string::npos) {
+        std::ofstream(std::filesystem::path(argv[4])) << "film";
+    }
+    if (order.find("delete") != std::string::npos) {
         std::filesystem::remove(argv[3]);
     }
     if (order == "hold") {

@@ -1,17 +1,25 @@
 #include "platform/Display.h"
 
 #include "platform/KnownFolders.h"
+#include "platform/Library.h"
+#include "platform/Text.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <cstring>
-#include <string>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tarn::platform {
 namespace {
 
-/// `name` beginning with a NUL is a name outside the file system.
+constexpr std::chrono::seconds kPatience{10};
+
 bool somebodyListens(const std::string& name) {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -34,19 +42,54 @@ std::string valueOf(const char* name) {
     return environmentVariable(name).value_or("");
 }
 
-/// DISPLAY is [host]:number[.screen]; only a local one can be tried without waiting.
-bool hasX11() {
-    const std::string display = valueOf("DISPLAY");
-    const std::size_t colon = display.rfind(':');
-    if (colon == std::string::npos) {
+/// The functions of the library by which Qt talks to X11.
+struct Xcb {
+    void* (*connect)(const char* display, int* screen) = nullptr;
+    int (*hasError)(void* connection) = nullptr;
+    void (*disconnect)(void* connection) = nullptr;
+
+    Xcb() {
+        LibraryHandle library = nullptr;
+        for (const std::string& folder : systemLibraryFolders()) {
+            if (library == nullptr) {
+                library = loadWithSystemSearchPath(toWide(folder + "/libxcb.so.1"));
+            }
+        }
+        connect = reinterpret_cast<decltype(connect)>(findSymbol(library, "xcb_connect"));
+        hasError =
+            reinterpret_cast<decltype(hasError)>(findSymbol(library, "xcb_connection_has_error"));
+        disconnect = reinterpret_cast<decltype(disconnect)>(findSymbol(library, "xcb_disconnect"));
+    }
+};
+
+bool canConnectToX11() {
+    const Xcb xcb;
+    if (xcb.connect == nullptr || xcb.hasError == nullptr || xcb.disconnect == nullptr) {
         return false;
     }
-    if (colon != 0 && display.substr(0, colon) != "unix") {
-        return true;
-    }
-    const std::string number = display.substr(colon + 1, display.find('.', colon) - colon - 1);
-    const std::string path = "/tmp/.X11-unix/X" + number;
-    return somebodyListens(std::string(1, '\0') + path) || somebodyListens(path);
+    void* const connection = xcb.connect(nullptr, nullptr); // to what DISPLAY names
+    const bool isConnected = xcb.hasError(connection) == 0;
+    xcb.disconnect(connection);
+    return isConnected;
+}
+
+/// A server that does not answer would be waited for without an end.
+bool hasX11() {
+    struct Attempt {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::optional<bool> isConnected;
+    };
+    const auto attempt = std::make_shared<Attempt>();
+    std::thread([attempt] {
+        const bool isConnected = canConnectToX11();
+        const std::lock_guard lock(attempt->mutex);
+        attempt->isConnected = isConnected;
+        attempt->changed.notify_all();
+    }).detach();
+    std::unique_lock lock(attempt->mutex);
+    attempt->changed.wait_for(lock, kPatience, [&] { return attempt->isConnected.has_value(); });
+    return attempt->isConnected.value_or(false);
 }
 
 bool hasWayland() {
@@ -60,8 +103,15 @@ bool hasWayland() {
 
 } // namespace
 
-bool hasDisplay() {
-    return !valueOf("QT_QPA_PLATFORM").empty() || hasX11() || hasWayland();
+std::vector<std::string> windowSystems() {
+    return {"xcb", "wayland"};
+}
+
+bool isWindowSystemThere(const std::string& name) {
+    if (name == "xcb") {
+        return hasX11();
+    }
+    return !name.starts_with("wayland") || hasWayland();
 }
 
 } // namespace tarn::platform

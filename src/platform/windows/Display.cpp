@@ -2,7 +2,11 @@
 
 namespace tarn::platform {
 
-bool hasDisplay() {
+std::vector<std::string> windowSystems() {
+    return {"windows"};
+}
+
+bool isWindowSystemThere(const std::string& /*name*/) {
     return true;
 }
 

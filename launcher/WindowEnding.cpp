@@ -1,0 +1,105 @@
+#include "launcher/WindowEnding.h"
+
+#include "launcher/Report.h"
+#include "launcher/Say.h"
+#include "platform/Interrupt.h"
+#include "utils/FileUtils.h"
+
+#include <chrono>
+#include <thread>
+
+namespace launcher {
+namespace {
+
+constexpr std::chrono::milliseconds kLookPeriod{100};
+constexpr std::uint32_t kStopPatience = 700;
+
+} // namespace
+
+WindowEnding::WindowEnding(const Job& job)
+    : mJob(job),
+      mFiles(job),
+      mEngine(job.engineFolder),
+      mStaging(job.sources, tarn::FileUtils().directoryOfPath(job.destination)) {
+    mEngine.acceptLosses();
+}
+
+void WindowEnding::watch() {
+    std::thread([this] {
+        while (!tarn::platform::interrupted()) {
+            look();
+            std::this_thread::sleep_for(kLookPeriod);
+        }
+        endInterrupted();
+    }).detach();
+}
+
+void WindowEnding::look() {
+    const std::lock_guard lock(mMutex);
+    if (mStatus) {
+        return;
+    }
+    const auto ending = mEngine.ending();
+    if (isComplete(false)) {
+        mStatus = reportComplete(mJob, mFiles, mEngine);
+    } else if (ending && ending->code > zel::kZelSuccess) {
+        mStatus = reportFailure("The engine failed with its error " + std::to_string(ending->code),
+                                inUsersWords(ending->reason));
+    }
+    if (mStatus) {
+        mStaging.clear();
+    }
+}
+
+/// With the sources under the names that the user gave.
+std::string WindowEnding::inUsersWords(std::string text) const {
+    for (std::size_t i = 0; i < mStaging.paths().size(); ++i) {
+        const std::string& lent = mStaging.paths()[i];
+        for (std::size_t at = 0; (at = text.find(lent, at)) != std::string::npos;
+             at += mJob.sources[i].size()) {
+            text.replace(at, lent.size(), mJob.sources[i]);
+        }
+    }
+    return text;
+}
+
+/// Until it is over, the session has still to delete the second names.
+bool WindowEnding::isComplete(bool isOver) const {
+    const auto ending = mEngine.ending();
+    if (!ending) {
+        return mStaging.areGone();
+    }
+    return ending->code == zel::kZelSuccess && (isOver || mStaging.areGone());
+}
+
+ExitStatus WindowEnding::conclude(Reason reason) {
+    look();
+    mEngine.stop(kStopPatience);
+    look();
+    const std::lock_guard lock(mMutex);
+    if (!mStatus) {
+        mStatus = isComplete(true) ? reportComplete(mJob, mFiles, mEngine) : reportUnended(reason);
+    }
+    mStaging.clear();
+    return *mStatus;
+}
+
+ExitStatus WindowEnding::reportUnended(Reason reason) const {
+    if (reason == Reason::NotShown) {
+        say("The window could not be shown: the log says why, see record-converter --help.");
+        return ExitStatus::Failed;
+    }
+    // An engine that tells how it ended did not fail, so it was at work.
+    if (reason == Reason::Interrupted || mEngine.ending()) {
+        return reportStopped();
+    }
+    return reportFailure("It was stopped, or the engine failed", "");
+}
+
+/// The window knows nothing of Ctrl-C, and its thread is at work: the process ends without another
+/// word to it.
+void WindowEnding::endInterrupted() {
+    tarn::platform::leaveAtOnce(static_cast<int>(conclude(Reason::Interrupted)));
+}
+
+} // namespace launcher
