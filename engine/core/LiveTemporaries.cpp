@@ -10,6 +10,9 @@ namespace zelcore {
 namespace {
 
 struct ProcessExitHook {
+    ProcessExitHook() {
+        callAtQuickExit([] { LiveTemporaries::instance().removeAll(); });
+    }
     ~ProcessExitHook() { LiveTemporaries::instance().removeAll(); }
 };
 const ProcessExitHook processExitHook;

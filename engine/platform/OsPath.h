@@ -38,6 +38,8 @@ std::vector<std::string> namesIn(const std::string& folder, const std::string& p
 std::uint32_t currentProcessId();
 /// Names the calling thread for debuggers, and keeps the program's signals away from it.
 void prepareEngineThread(const char* name);
+/// For an end by quick_exit, which runs no destructors. Windows runs them then, too: nothing to do.
+void callAtQuickExit(void (*call)());
 /// Keeps this library in memory until the process ends. Safe while it is being loaded.
 void pinThisLibrary();
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -124,6 +125,10 @@ void prepareEngineThread(const char* name) {
         sigdelset(&blocked, signal);
     }
     ::pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+}
+
+void callAtQuickExit(void (*call)()) {
+    static_cast<void>(std::at_quick_exit(call)); // fails only for want of memory
 }
 
 void pinThisLibrary() {

@@ -122,6 +122,10 @@ void prepareEngineThread(const char* name) {
     tarn::platform::setThreadDescription(name);
 }
 
+// Whatever way a process ends itself there, its libraries are told, and run their destructors.
+void callAtQuickExit(void (* /*call*/)()) {
+}
+
 void pinThisLibrary() {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
