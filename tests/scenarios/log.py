@@ -6,6 +6,7 @@ import re
 import shutil
 import signal
 import time
+import zipfile
 from datetime import datetime, timezone
 
 from program import FAKES, RECORDINGS, REPLACE, WINE, Case, linux_only, main
@@ -84,6 +85,42 @@ class Log(Case):
         self.assertIn(run.status, (128 + signal.SIGABRT, 3 if WINE else 1), run)
         self.assertTrue(script.exists())
         self.assertEqual(self.logged("record-converter 1."), 1)
+
+    def test_several_runs_at_once_have_files_of_their_own_and_all_go_into_the_archive(self):
+        engine = ("--no-window", "--engine-folder", FAKES / "whole")
+        self.logs.mkdir(parents=True)
+        (self.logs / "current_log.txt").write_text("the run before")
+        runs = []
+        for number in range(8):
+            script = self.write(f"{number}.mkv", "progress 10\nhold")
+            runs.append(self.start(*engine, script, self.folder / f"{number}.mp4"))
+        for run in runs:
+            run.await_text("10 %")
+        archives = [self.start("--archive-logs", self.folder) for _ in range(2)]
+        self.assertEqual([run.wait() for run in archives], [0, 0])
+        for name in {run.output.strip() for run in archives}:
+            with zipfile.ZipFile(self.folder / re.split(r"[\\/]", name)[-1]) as archive:
+                logs = {each: archive.read(each).decode() for each in archive.namelist()}
+            self.assertEqual(logs["last_run_current_log.txt"], "the run before")
+            counts = [text.count("record-converter 1.") for text in logs.values()]
+            self.assertEqual(sorted(counts)[-8:], [1] * 8, logs.keys())
+        self.assertEqual(len(list(self.folder.glob("*.zip"))), 2)
+
+    @linux_only
+    def test_closed_streams_and_a_limit_to_files_cost_nothing_and_end_in_words(self):
+        source = RECORDINGS / "h264-aac.mkv"
+        self.convert(source)
+        expected = self.destination.read_bytes()
+        for before, status in (("exec 0<&- 1>&- 2>&-", 0), ("ulimit -f 8", 1)):
+            self.destination.unlink()
+            command = (LAUNCHER, "--no-window", source, self.destination)
+            run = self.run_program("-c", before + '; exec "$@"', "sh", *command, program="sh")
+            self.assertEqual(run.status, status, run)
+            if status == 0:
+                self.assertEqual(self.destination.read_bytes(), expected)
+                self.assertTrue(all(map(LINE.fullmatch, self.log_lines())), self.log())
+            self.assert_left(*(["out.mp4"] if status == 0 else []))
+            self.destination.touch()
 
     @linux_only
     def test_no_name_from_outside_forges_a_line_or_is_written_raw(self):

@@ -73,6 +73,7 @@ bool PrivateFile::moveTo(const std::string& path, bool replaces) {
                                 : moveWithoutReplacing(mPath.c_str(), systemPath(path));
     if (moved) {
         mPath.clear();
+        closeQuietly(static_cast<int>(std::exchange(mMark, -1)));
     }
     return moved;
 }

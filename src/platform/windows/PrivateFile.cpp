@@ -51,8 +51,8 @@ std::unique_ptr<PrivateFile> PrivateFile::make(const std::string& beginning) {
 
 PrivateFile::~PrivateFile() {
     close();
-    CloseHandle(std::bit_cast<HANDLE>(mMark));
     if (!mPath.empty()) {
+        CloseHandle(std::bit_cast<HANDLE>(mMark));
         DeleteFileW(systemPath(mPath).c_str());
     }
 }
@@ -78,6 +78,7 @@ bool PrivateFile::moveTo(const std::string& path, bool replaces) {
         return failedByLastError();
     }
     mPath.clear();
+    CloseHandle(std::bit_cast<HANDLE>(std::exchange(mMark, -1)));
     return true;
 }
 

@@ -1,0 +1,8 @@
+#include "platform/ProcessStart.h"
+
+namespace tarn::platform {
+
+void prepareProcess() {
+}
+
+} // namespace tarn::platform
