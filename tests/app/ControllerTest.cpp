@@ -10,8 +10,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
-#include <QMetaMethod>
-#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -79,21 +77,6 @@ public slots:
 };
 
 } // namespace
-
-TEST_F(Controller, HasItsSignalsSlotsAndPropertiesInTheAgreedOrder) {
-    const QMetaObject& meta = MediaConverterController::staticMetaObject;
-    QByteArrayList members;
-    for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
-        members << meta.method(index).methodSignature();
-    }
-    for (int index = meta.propertyOffset(); index < meta.propertyCount(); ++index) {
-        members << meta.property(index).name();
-    }
-    EXPECT_EQ(members.join(' '),
-              "convertStarted() convertProgress(float,QString) convertFinished(QString) "
-              "convertError(int,QString) infoChanged() exitProcess() open() play() close() isDark "
-              "convertingStartedText convertingFinishedText convertingErrorText");
-}
 
 TEST_F(Controller, TakesTextsPathsAndThemeFromItsArguments) {
     expectErrorLine("Can not load ");

@@ -42,12 +42,6 @@ QColor colorOf(const QObject* object, const char* property) {
     return object->property(property).value<QColor>();
 }
 
-/// What a colour with 255 in its channels comes to.
-QColor clamped(bool light, double alpha) {
-    return light ? QColor::fromRgbF(1, 1, 1, float(alpha))
-                 : QColor::fromRgbF(0, 0, 0, float(alpha));
-}
-
 /// The mean difference of a button's icon on the screen to its outline at the screen's own scale,
 /// white on black or black on white.
 double differenceToOutline(const QQuickItem* button, const QImage& screen, double scale,
@@ -155,28 +149,6 @@ TEST_P(WindowView, HoldsItsIconTextAndButtonsInOneRowHoweverLongTheText) {
                 std::ranges::reverse(svgs);
             }
             EXPECT_EQ(svgs.join(' '), expected.svgs);
-        }
-    }
-}
-
-TEST_P(WindowView, WearsTheThemeAndChangesItLive) {
-    Toast toast;
-    toast.showAndSettle(name);
-    for (const bool dark : {true, false}) {
-        toast.controller.setProperty("isDark", dark);
-        const QQuickItem* const view = toast.view(name);
-        const QObject* const border = view->property("border").value<QObject*>();
-        EXPECT_EQ(colorOf(view, "color"), clamped(!dark, 1));
-        EXPECT_EQ(colorOf(border, "color"), clamped(dark, 0.3));
-        EXPECT_EQ(border->property("width").toInt(), 2);
-        EXPECT_EQ(view->property("radius").toInt(), 2);
-        QList<QQuickItem*> row = toast.row(name);
-        EXPECT_EQ(colorOf(row.takeAt(1), "color").rgba(), clamped(dark, 0.7).rgba());
-        for (const QQuickItem* const item : row) {
-            EXPECT_EQ(colorOf(item, "iconButtonImageColor"), clamped(dark, 1));
-            EXPECT_EQ(colorOf(item, "iconButtonBoardColor"), clamped(dark, 0.5));
-            EXPECT_EQ(colorOf(item, "iconButtonBackgroundColor"), clamped(!dark, 1));
-            EXPECT_EQ(colorOf(item, "focusOutlineColor"), dark ? "#64B4FA" : "#1170CF");
         }
     }
 }

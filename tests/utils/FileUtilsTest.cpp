@@ -62,25 +62,6 @@ TEST_F(FileUtilsTest, TellsFilesFoldersAndAbsentPathsApart) {
     }
 }
 
-TEST_F(FileUtilsTest, TellsSizeAndTimesOfAFileAndSortsByTheLastWrite) {
-    const std::string file = folder.write("old", "1234567");
-    const auto before = files.getFileDetails(file).value();
-    EXPECT_EQ(before.size, 7U);
-    EXPECT_EQ(files.getFileSize(file), 7);
-    setModified(file, -3600);
-    const auto after = files.getFileDetails(file).value();
-    EXPECT_NEAR(static_cast<double>(before.modified - after.modified), 3600e7, 10e7);
-    EXPECT_GT(after.modified, 17'000'000'000'000'000); // counted from 1970, not from 1601
-    EXPECT_GT(std::min(after.accessed, after.created), 0);
-    folder.makeFolder("folder");
-    setModified(folder.write("a", ""), -10);
-    setModified(folder.write("b", ""), -20);
-    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), true),
-                ElementsAre(folder / "old", folder / "b", folder / "a"));
-    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), false),
-                ElementsAre(folder / "a", folder / "b", folder / "old"));
-}
-
 TEST_F(FileUtilsTest, RemovesFilesAndOnlyEmptyFoldersUnlessToldOtherwise) {
     int error = -1;
     EXPECT_TRUE(files.remove(folder.write(kName, ""), error));
@@ -112,7 +93,7 @@ TEST_F(FileUtilsTest, MakesFoldersWithTheirParents) {
 
 TEST_F(FileUtilsTest, LogsWhyARenamingFailed) {
     const testing::HookedLog log;
-    testing::expectErrorLine("");
+    testing::expectErrorLine("Could not rename");
     std::string reason;
     EXPECT_FALSE(files.renameWithMessage(folder / "a", folder / "b", &reason));
     EXPECT_FALSE(reason.empty());
@@ -121,28 +102,6 @@ TEST_F(FileUtilsTest, LogsWhyARenamingFailed) {
     folder.write("a", "x");
     EXPECT_TRUE(files.renameWithMessage(folder / "a", folder / kName));
     EXPECT_EQ(testing::readFile(folder / kName), "x");
-}
-
-TEST_F(FileUtilsTest, ListsFilesAndFoldersAndDeletesOnlyFilesThatMatchAPattern) {
-    makeTree();
-    EXPECT_THAT(files.getDirs(in("tree")), ElementsAre(in("tree/b")));
-    EXPECT_THAT(files.getDirsRecursive(in("tree")), ElementsAre(in("tree/b"), in("tree/b/c")));
-    EXPECT_THAT(files.getFilesRecursive(in("tree")),
-                ElementsAre(in("tree/b/c/" + kName), in("tree/b/two.txt"), in("tree/one.txt")));
-    for (const std::string& absent : {folder / "absent", in("tree/one.txt"), std::string()}) {
-        EXPECT_THAT(files.getFiles(absent), IsEmpty());
-        EXPECT_THAT(files.getDirs(absent), IsEmpty());
-        EXPECT_FALSE(files.deleteAllFiles(absent, "*"));
-    }
-    for (const char* name : {"a.log", "ab.log", "a.logx", "[a].log"}) {
-        folder.write(name, "");
-    }
-    folder.makeFolder("b.log");
-    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "?.log"));
-    EXPECT_THAT(files.getFiles(folder.path()), ElementsAre("[a].log", "a.logx", "ab.log"));
-    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "*"));
-    EXPECT_THAT(files.getFiles(folder.path()), IsEmpty());
-    EXPECT_TRUE(files.dirExists(folder / "b.log") && files.exists(in("tree/one.txt")));
 }
 
 TEST_F(FileUtilsTest, CopiesAFileWithItsTimeOverOneThatDiffers) {
@@ -165,34 +124,6 @@ TEST_F(FileUtilsTest, CopiesAFileWithItsTimeOverOneThatDiffers) {
     EXPECT_THAT(files.getFiles(folder.path()), ElementsAre(kName, "source"));
 }
 
-TEST_F(FileUtilsTest, CopiesAndMovesFolderTrees) {
-    makeTree();
-    EXPECT_TRUE(files.copyDirectory(in("tree/"), in("copies/copy")));
-    EXPECT_EQ(testing::readFile(in("copies/copy/b/c/" + kName)), "3");
-    EXPECT_FALSE(files.copyDirectory(in("tree"), in("tree/b/inside")));
-    EXPECT_FALSE(files.copyDirectory(in("absent"), in("copies/other")));
-    EXPECT_FALSE(files.moveDirectory(in("tree"), in("tree/b/inside")));
-    EXPECT_FALSE(files.moveDirectory(in("tree"), in("copies")));
-    EXPECT_TRUE(files.moveDirectory(in("tree"), in("moved/")));
-    EXPECT_EQ(testing::readFile(in("moved/b/two.txt")), "2");
-    EXPECT_FALSE(files.exists(in("tree")));
-}
-
-TEST_F(FileUtilsTest, NumbersADownloadUntilItsNameIsFreeOrNinetyNineAreTaken) {
-    const std::string prefix = folder.path() + platform::pathSeparator();
-    const std::string withIdentifier = "a_b_01234567-0123-0123-0123-0123456789ab.mp4";
-    for (int number = 0; number <= 99; ++number) {
-        const std::string next =
-            number % 99 == 0 ? "a_b.mp4" : "a_b(" + std::to_string(number) + ").mp4";
-        EXPECT_EQ(files.getUniqueDownloadPath(prefix, "a:b.mp4"), prefix + next);
-        EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, true), prefix + next);
-        folder.write(next, "");
-    }
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, false), prefix + withIdentifier);
-    folder.write(".profile", "");
-    EXPECT_EQ(files.getUniqueDownloadPath(prefix, ".profile"), prefix + ".profile(1)");
-}
-
 TEST_F(FileUtilsTest, RecognisesASecondNameOfAFile) {
     const std::string file = folder.write("file", "x");
     const std::string other = folder.write("other", "x");
@@ -203,6 +134,78 @@ TEST_F(FileUtilsTest, RecognisesASecondNameOfAFile) {
     EXPECT_FALSE(files.hardLink(file, other));
     EXPECT_TRUE(files.remove(file));
     EXPECT_EQ(testing::readFile(folder / kName), "x");
+}
+
+// A fuzzing program compares the reading of lines with a plain reference.
+TEST_F(FileUtilsTest, ReadsAndWritesLinesAndBytesAsTheyAre) {
+    const std::string longest(200'000, 'x');
+    const std::string file = folder.write("lines – 行", "first\r\nsecond\n\n" + longest + "\r\n");
+    EXPECT_THAT(files.readAllLines(file), ElementsAre("first", "second", "", longest));
+    EXPECT_EQ(files.readSpecifiedLine(file, 1) + files.readSpecifiedLine(file, 4), "second");
+    EXPECT_EQ(files.readFirstLine(file) + files.readLastLine(file), "first" + longest);
+    EXPECT_TRUE(files.writeAllLines(file, {"a", "", "ü"}));
+    EXPECT_EQ(testing::readFile(file), "a\n\nü\n");
+    const std::vector<std::uint8_t> bytes(200'000, '\n');
+    EXPECT_TRUE(files.writeAllBytes(file, bytes));
+    EXPECT_EQ(files.readAllBytes(file), bytes);
+    EXPECT_TRUE(files.canReadFirstBytes(file, bytes.size()));
+    EXPECT_FALSE(files.canReadFirstBytes(file, bytes.size() + 1));
+    const testing::HookedLog log;
+    testing::expectErrorLine("Could not write");
+    for (const std::string& path : {folder / "absent", folder.path(), std::string()}) {
+        EXPECT_EQ(files.readFirstLine(path) + files.readLastLine(path), "");
+        EXPECT_THAT(files.readAllLines(path), IsEmpty());
+        EXPECT_EQ(files.readAllBytes(path), std::nullopt);
+        EXPECT_FALSE(files.canReadFirstBytes(path, 1));
+    }
+    const std::string inAbsent = folder / "absent" + "/file";
+    EXPECT_FALSE(files.writeOneLine(inAbsent, "x") || files.writeAllLines(folder.path(), {"x"}));
+    EXPECT_FALSE(files.writeAllBytes(inAbsent, {1}));
+    EXPECT_THAT(log.lines(),
+                ElementsAre("<Error> Could not write '" + inAbsent + "', errorCode: 2"));
+}
+
+// What the client framework has beside that, and this program never calls.
+TEST_F(FileUtilsTest, ListsSortsCopiesMovesAndDeletesTrees) {
+    makeTree();
+    EXPECT_THAT(files.getDirsRecursive(in("tree")), ElementsAre(in("tree/b"), in("tree/b/c")));
+    EXPECT_THAT(files.getFilesRecursive(in("tree")),
+                ElementsAre(in("tree/b/c/" + kName), in("tree/b/two.txt"), in("tree/one.txt")));
+    EXPECT_TRUE(files.copyDirectory(in("tree/"), in("copies/copy")));
+    EXPECT_EQ(testing::readFile(in("copies/copy/b/c/" + kName)), "3");
+    EXPECT_FALSE(files.copyDirectory(in("tree"), in("tree/b/inside")));
+    EXPECT_FALSE(files.moveDirectory(in("tree"), in("copies")));
+    EXPECT_TRUE(files.moveDirectory(in("tree"), in("moved/")));
+    EXPECT_EQ(testing::readFile(in("moved/b/two.txt")), "2");
+    EXPECT_FALSE(files.exists(in("tree")));
+    for (const auto& [name, seconds] :
+         {std::pair{"a.log", -10}, {"ab.log", -30}, {"[a].log", -20}}) {
+        setModified(folder.write(name, "1234567"), seconds);
+    }
+    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), true),
+                ElementsAre(folder / "ab.log", folder / "[a].log", folder / "a.log"));
+    EXPECT_THAT(files.getFilesSortedByDate(folder.path(), false),
+                ElementsAre(folder / "a.log", folder / "[a].log", folder / "ab.log"));
+    EXPECT_EQ(files.getFileDetails(folder / "a.log")->size, 7U);
+    EXPECT_GT(files.getFileDetails(folder / "a.log")->modified, 17'000'000'000'000'000) << "1970";
+    folder.makeFolder("b.log");
+    EXPECT_TRUE(files.deleteAllFiles(folder.path(), "?.log"));
+    EXPECT_THAT(files.getFiles(folder.path()), ElementsAre("[a].log", "ab.log"));
+    EXPECT_TRUE(files.dirExists(folder / "b.log"));
+    EXPECT_FALSE(files.deleteAllFiles(folder / "absent", "*"));
+}
+
+TEST_F(FileUtilsTest, NumbersADownloadUntilItsNameIsFreeOrNinetyNineAreTaken) {
+    const std::string prefix = folder.path() + platform::pathSeparator();
+    const std::string withIdentifier = "a_b_01234567-0123-0123-0123-0123456789ab.mp4";
+    for (int number = 0; number <= 99; ++number) {
+        const std::string next =
+            number % 99 == 0 ? "a_b.mp4" : "a_b(" + std::to_string(number) + ").mp4";
+        EXPECT_EQ(files.getUniqueDownloadPath(prefix, withIdentifier, true), prefix + next);
+        folder.write(next, "");
+    }
+    folder.write(".profile", "");
+    EXPECT_EQ(files.getUniqueDownloadPath(prefix, ".profile"), prefix + ".profile(1)");
 }
 
 } // namespace

@@ -40,28 +40,6 @@ TEST(SystemPath, PrefixesOnlyWhatIsTooLong) {
     EXPECT_EQ(systemPath(std::wstring(L"C:\\a\0b", 6)), L"") << "names no other file";
 }
 
-TEST_F(WindowsFiles, WorkBeyond260CharactersAndAscii) {
-    std::string deep = folder.path();
-    for (int depth = 0; depth < 4; ++depth) {
-        deep += "\\Größe 会議 😀 " + std::string(80, 'x');
-        ASSERT_TRUE(makeFolder(deep)) << errno;
-    }
-    const std::string file = deep + "\\a.txt";
-    ASSERT_TRUE(FileUtils().writeOneLine(file, "text"));
-    EXPECT_GE(fileDetails(file).value().size, 4U);
-    EXPECT_TRUE(fileDetails(deep).value().isFolder);
-    EXPECT_TRUE(isFolderWritable(deep));
-    EXPECT_TRUE(copyFileContents(file, deep + "\\b.txt"));
-    EXPECT_TRUE(renamePath(deep + "\\b.txt", deep + "\\c.txt"));
-    EXPECT_TRUE(makeHardLink(file, deep + "\\d.txt"));
-    EXPECT_TRUE(isSameFile(file, deep + "\\d.txt"));
-    EXPECT_FALSE(isSameFile(file, deep + "\\c.txt"));
-    EXPECT_THAT(FileUtils().getFiles(deep), ElementsAre("a.txt", "c.txt", "d.txt"));
-    EXPECT_TRUE(removeFile(deep + "\\c.txt"));
-    EXPECT_FALSE(removeEmptyFolder(deep));
-    EXPECT_EQ(errno, ENOTEMPTY);
-}
-
 TEST_F(WindowsFiles, TellFilesThatOthersHaveOpen) {
     const std::string file = folder.write("recording.mkv", "12345");
     const std::string other = folder.write("new", "");
