@@ -20,6 +20,12 @@ Ticks stepOf(const AVStream& stream, const AVPacket& packet) {
     return rate.num > 0 && rate.den > 0 ? toTicks(1, av_inv_q(rate)) : 0;
 }
 
+/// Where pictures are shown in another order than decoded, decoding times may be guessed from those
+/// before.
+int packetsToShowAGap(const AVStream* stream) {
+    return stream == nullptr ? 0 : 1 + std::clamp(stream->codecpar->video_delay, 0, 16);
+}
+
 Ticks declaredEnd(const Source& source, const AVStream& stream) {
     if (stream.duration != kNoTime && stream.duration > 0) {
         const std::int64_t start = stream.start_time == kNoTime ? 0 : stream.start_time;
@@ -52,7 +58,7 @@ bool PartWatch::look(const AVPacket& packet) {
     if (passesBrokenPlace(packet)) {
         mUntold = mUntold.value_or(mEnd);
         for (Stream& each : mStreams) {
-            each.isInDoubt = true;
+            each.inDoubt = packetsToShowAGap(each.stream);
         }
     }
     const auto index = static_cast<std::size_t>(packet.stream_index);
@@ -72,7 +78,8 @@ bool PartWatch::lookAtPlanned(Stream& stream, const AVPacket& packet) {
         refuseToCopyWhatChanges(stream, packet);
     }
     const bool isCorrupt = (packet.flags & AV_PKT_FLAG_CORRUPT) != 0;
-    const bool isInDoubt = std::exchange(stream.isInDoubt, isCorrupt) || isCorrupt;
+    const bool isInDoubt = stream.inDoubt > 0 || isCorrupt;
+    stream.inDoubt = isCorrupt ? packetsToShowAGap(stream.stream) : std::max(stream.inDoubt - 1, 0);
     // Decoding times rise evenly, presentation times do not.
     const std::int64_t time = packet.dts == kNoTime ? packet.pts : packet.dts;
     if (time != kNoTime) {

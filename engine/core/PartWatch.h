@@ -37,7 +37,7 @@ private:
         const AVStream* stream = nullptr;
         std::size_t track = 0;
         Ticks end = kNoTime; ///< of its packets so far, on the part's clock
-        bool isInDoubt = false;
+        int inDoubt = 0; ///< packets to come that may show a gap
         bool hasShown = false; ///< a packet that is not to be discarded
         std::unique_ptr<PacketShape> shape{};
         std::unique_ptr<CopyCheck> check{};
