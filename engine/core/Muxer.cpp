@@ -68,6 +68,13 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
         packet.dts = addTimes(lane.lastDts, 1);
         packet.pts = std::max(packet.pts, packet.dts);
     }
+    const std::int64_t longest =
+        std::max(packet.pts - packet.dts, lane.lastDts == kNoTime ? 0 : packet.dts - lane.lastDts);
+    if (longest > INT32_MAX) {
+        throw Failure(ErrorCode::SourceDamaged, text("Track ", track, " pauses for ",
+                                                     toSeconds(toTicks(longest, stream.time_base)),
+                                                     " s, longer than MP4 can hold"));
+    }
     lane.lastDts = packet.dts;
     lane.extent.add(toTicks(packet.pts, stream.time_base),
                     toTicks(packet.duration, stream.time_base));

@@ -4,6 +4,7 @@
 #include "engine/core/Trace.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace zelcore {
 
@@ -63,6 +64,9 @@ void PartJoiner::run() {
 void PartJoiner::runPart(std::size_t part) {
     Source& source = *mSources[part];
     const TrackOfStream trackOf = beginPart(part);
+    // Matroska has none; what libavformat makes of the order of pictures is wrong around jumps.
+    mKeepsDecodingTimes =
+        std::string_view(source.format().iformat->name).find("matroska") == std::string_view::npos;
     Timeline timeline = timelineOf(part);
     const PacketPtr packet = makePacket();
     // Near enough for telling where something is missing.
@@ -120,8 +124,12 @@ void PartJoiner::take(AVPacket& packet, const AVStream& stream, std::size_t trac
     packet.dts = readTime(packet.dts, stream.time_base);
     packet.pts = readTime(packet.pts, stream.time_base);
     packet.duration = std::max<Ticks>(readTime(packet.duration, stream.time_base), 0);
-    timeline.add(
-        {track, packet.dts, packet.pts, packet.duration, hiddenPart(packet, *stream.codecpar)});
+    const bool isGuessed = stream.codecpar->video_delay > 0 && !mKeepsDecodingTimes;
+    timeline.add({track, packet.dts, packet.pts, packet.duration, isGuessed,
+                  hiddenPart(packet, *stream.codecpar)});
+    if (isGuessed && packet.pts != kNoTime) {
+        packet.dts = kNoTime;
+    }
     mWaitingBytes += static_cast<std::size_t>(packet.size);
     mWaiting.push_back({makePacket(), track});
     av_packet_move_ref(mWaiting.back().packet.get(), &packet);

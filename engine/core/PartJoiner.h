@@ -47,9 +47,10 @@ private:
     Progress& mProgress;
     std::deque<Waiting> mWaiting;
     std::size_t mWaitingBytes = 0;
-    Ticks mEnd = 0;            ///< of everything so far
-    std::uint64_t mBytes = 0;  ///< of all sources
-    std::uint64_t mBefore = 0; ///< bytes of the parts that are done
+    bool mKeepsDecodingTimes = true; ///< the part at work
+    Ticks mEnd = 0;                  ///< of everything so far
+    std::uint64_t mBytes = 0;        ///< of all sources
+    std::uint64_t mBefore = 0;       ///< bytes of the parts that are done
 };
 
 } // namespace zelcore

@@ -18,6 +18,15 @@ constexpr AVRational kUsualRate{25, 1};
 // Beyond any that is made: key frames come by time.
 constexpr int kNoKeyFrameByCount = 600;
 
+/// Fine enough for the times of every part, coarse enough for MP4 to hold a pause of hours.
+AVRational fineClock(AVRational clock) {
+    int ticks = clock.den;
+    while (ticks < 10'000) {
+        ticks *= 2;
+    }
+    return av_make_q(1, ticks > 240'000 ? 90'000 : ticks);
+}
+
 AVRational frameRate(const TrackPlan& plan) {
     for (const AVRational rate : {plan.reference->avg_frame_rate, plan.reference->r_frame_rate}) {
         if (rate.num > 0 && rate.den > 0 && av_q2d(rate) <= kHighestRate) {
@@ -97,7 +106,7 @@ CodecPtr pictureEncoder(const AVCodec& encoder, const Canvas& canvas, const Trac
     codec->field_order = canvas.fieldOrder;
     codec->flags |= canvas.isInterlaced ? AV_CODEC_FLAG_INTERLACED_DCT : 0;
     codec->framerate = frameRate(plan);
-    codec->time_base = plan.reference->time_base;
+    codec->time_base = fineClock(plan.reference->time_base);
     if (codec->time_base.den > 65535 && encoder.id == AV_CODEC_ID_MPEG4) {
         codec->time_base = av_make_q(1, 60'000); // MPEG-4 has 16 bits for it
     }

@@ -6,14 +6,6 @@
 
 namespace zelcore {
 
-namespace {
-
-// Matroska stores no decoding times; libavformat knows them once it has seen as many pictures as
-// the codec may reorder, at most sixteen.
-constexpr std::size_t kMostHeld = 32;
-
-} // namespace
-
 StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses)
     : mMuxer(muxer), mLosses(losses), mTrack(muxer.written().size()) {
     const AVStream& from = *plan.reference;
@@ -35,7 +27,7 @@ StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses)
 void StreamCopier::beginPart(const AVStream& stream) {
     // What comes before the first key frame of a recording that was joined late shows nothing.
     mAwaitsKeyFrame = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
-    mKnowsDecodingTime = false;
+    mDelay = static_cast<std::size_t>(std::max(stream.codecpar->video_delay, 0));
 }
 
 void StreamCopier::accept(AVPacket& packet) {
@@ -48,30 +40,33 @@ void StreamCopier::accept(AVPacket& packet) {
         }
         mAwaitsKeyFrame = false;
     }
-    if (packet.dts == kNoTime && mHeld.size() < kMostHeld && !mKnowsDecodingTime) {
-        mHeld.push_back(makePacket());
-        av_packet_move_ref(mHeld.back().get(), &packet);
-        return;
+    if (packet.dts == kNoTime && packet.pts != kNoTime) {
+        // Pictures are decoded in the order of their packets and shown in that of their times. So
+        // a packet is decoded when the picture is shown that is as many before it as may wait.
+        mShown.insert(packet.pts);
+        if (mShown.size() <= mDelay) {
+            mHeld.push_back(makePacket());
+            av_packet_move_ref(mHeld.back().get(), &packet);
+            return;
+        }
+        packet.dts = std::min(*mShown.begin(), packet.pts);
+        mShown.erase(mShown.begin());
     }
-    if (!mKnowsDecodingTime) {
-        mKnowsDecodingTime = true;
-        writeHeld(packet.dts == kNoTime ? packet.pts : packet.dts);
-    }
+    writeHeld(packet.dts);
     mMuxer.write(mTrack, packet, kTicks);
 }
 
 void StreamCopier::endPart() {
     if (!mHeld.empty()) {
-        writeHeld(mHeld.back()->pts);
+        writeHeld(*mShown.begin());
     }
+    mShown.clear();
 }
 
 void StreamCopier::writeHeld(std::int64_t next) {
-    for (auto held = mHeld.rbegin(); next != kNoTime && held != mHeld.rend(); ++held) {
-        AVPacket& packet = **held;
-        next = addTimes(next, -std::max<std::int64_t>(packet.duration, 1));
-        next = packet.pts == kNoTime ? next : std::min(next, packet.pts);
-        packet.dts = next;
+    for (auto held = mHeld.rbegin(); held != mHeld.rend(); ++held) {
+        next = addTimes(next, -std::max<std::int64_t>((*held)->duration, 1));
+        (*held)->dts = std::min(next, (*held)->pts);
     }
     for (const PacketPtr& held : mHeld) {
         mMuxer.write(mTrack, *held, kTicks);

@@ -2,6 +2,7 @@
 
 #include "engine/core/Track.h"
 
+#include <set>
 #include <vector>
 
 namespace zelcore {
@@ -24,8 +25,10 @@ private:
     Losses& mLosses;
     std::size_t mTrack;
     bool mAwaitsKeyFrame = false;
-    bool mKnowsDecodingTime = false; ///< of the part's first packets
-    std::vector<PacketPtr> mHeld; ///< a part's first packets, as long as none tells a decoding time
+    std::size_t mDelay = 0; ///< how many pictures may wait to be shown
+    // Where packets do not say when they are decoded:
+    std::multiset<std::int64_t> mShown; ///< times of the last ones
+    std::vector<PacketPtr> mHeld;       ///< a part's first ones
 };
 
 } // namespace zelcore

@@ -15,23 +15,29 @@ constexpr Ticks kOverlap = kSecond / 10;
 constexpr Ticks kReordering = 10 * kSecond;
 /// Where times come back sooner, those in between were damaged.
 constexpr Ticks kDamagedSpan = 10 * kSecond;
-/// Where a clock may break, a longer pause is none; elsewhere one of a night, which MP4 could
-/// hardly hold.
+/// Where a clock may break, a longer pause is none; elsewhere one of a day.
 constexpr Ticks kLongestBreak = 10 * kSecond;
-constexpr Ticks kLongestPause = 6 * 3600 * kSecond;
+constexpr Ticks kLongestPause = 24 * 3600 * kSecond;
 constexpr std::size_t kMostWaiting = 1024;
 constexpr std::size_t kMostKnown = 4;
 
+Ticks between(Ticks from, Ticks to) {
+    return addTimes(to, -from);
+}
+
 Ticks timeOf(const Stamp& stamp) {
-    return stamp.decoded == kNoTime ? stamp.shown : stamp.decoded;
+    // A guess that lies a day off is from before a jump.
+    const bool isWrong = stamp.isGuessed && stamp.shown != kNoTime && stamp.decoded != kNoTime &&
+                         std::abs(between(stamp.decoded, stamp.shown)) > kLongestPause;
+    return stamp.decoded == kNoTime || isWrong ? stamp.shown : stamp.decoded;
+}
+
+bool isOrdered(const Stamp& stamp) {
+    return stamp.decoded != kNoTime && !stamp.isGuessed;
 }
 
 Ticks beginOf(const Stamp& stamp) {
     return stamp.shown == kNoTime ? stamp.decoded : stamp.shown;
-}
-
-Ticks between(Ticks from, Ticks to) {
-    return addTimes(to, -from);
 }
 
 } // namespace
@@ -63,7 +69,7 @@ void Timeline::decide() {
     Ticks offset = mBegin;
     if (mKnown.empty()) {
         offset = offsetForBeginning();
-    } else if (isPause() || isAlone()) {
+    } else if (isPause() || isOverlap()) {
         offset = mLanes[mWaiting.front().lane].offset;
         offset = offset == kNoTime ? mKnown.front() : offset;
     } else {
@@ -111,7 +117,7 @@ void Timeline::place(const Stamp& stamp, Ticks offset) {
     if (tellsTime(stamp)) {
         Lane& lane = mLanes[stamp.lane];
         lane.offset = offset;
-        lane.isOrdered = stamp.decoded != kNoTime;
+        lane.isOrdered = isOrdered(stamp);
         lane.last = addTimes(timeOf(stamp), offset);
         lane.next = addTimes(lane.last, std::max<Ticks>(stamp.duration, 0));
         lane.extent.add(addTimes(beginOf(stamp), offset), stamp.duration);
@@ -161,8 +167,15 @@ bool Timeline::isPause() const {
            jump() <= (mFollowsJumps ? kLongestBreak : kLongestPause);
 }
 
-bool Timeline::isAlone() const {
-    return jump() < 0 && jump() >= -kStep && mWaitingFront != kNoTime;
+bool Timeline::isOverlap() const {
+    if (jump() > 0 || jump() < -kStep) {
+        return false;
+    }
+    const bool isAlone = mWaitingFront != kNoTime;
+    const bool isSound = std::ranges::none_of(mLanes, [](const Lane& lane) {
+        return lane.runBegin != kNoTime && lane.type == AVMEDIA_TYPE_VIDEO;
+    });
+    return isAlone || (isSound && !mFollowsJumps);
 }
 
 Ticks Timeline::jump() const {
@@ -223,7 +236,7 @@ std::optional<Ticks> Timeline::knownOffset(const Stamp& stamp) const {
 bool Timeline::fits(const Stamp& stamp, Ticks offset) const {
     const Lane& lane = mLanes[stamp.lane];
     const Ticks time = addTimes(timeOf(stamp), offset);
-    const bool mayBeReordered = stamp.decoded == kNoTime || !lane.isOrdered;
+    const bool mayBeReordered = !isOrdered(stamp) || !lane.isOrdered;
     const Ticks last = lane.last == kNoTime ? front() : lane.last;
     const Ticks lowest = addTimes(last, -(mayBeReordered ? kReordering : kOverlap));
     return time >= lowest && time <= addTimes(std::max(front(), mWaitingFront), kStep);

@@ -15,7 +15,8 @@ struct Stamp {
     Ticks decoded = kNoTime;
     Ticks shown = kNoTime;
     Ticks duration = 0;
-    Ticks hidden = 0; ///< how much of it, from its beginning, nobody is to see or hear
+    bool isGuessed = false; ///< the time of decoding
+    Ticks hidden = 0;       ///< how much of it, from its beginning, nobody is to see or hear
 };
 
 /// Takes the clock of one part to the destination's: the part begins where it shall, a pause keeps
@@ -47,7 +48,7 @@ private:
         Ticks last = kNoTime;
         Ticks next = kNoTime; ///< when the next packet is expected
         Ticks offset = kNoTime;
-        bool isOrdered = false; ///< the last one said when it is decoded
+        bool isOrdered = false; ///< the last one's time is that of its decoding
         // Of its packets that wait and do not fit, on the source's clock.
         Ticks runBegin = kNoTime;
         Ticks runLast = kNoTime;
@@ -58,7 +59,8 @@ private:
     void wait(const Stamp& stamp);
     bool isSettled() const;
     bool isPause() const;
-    bool isAlone() const;
+    /// A step back of one track alone, or of sound that repeats itself.
+    bool isOverlap() const;
     /// How far the first that waits is ahead of everything, or, below 0, behind its own track.
     Ticks jump() const;
     Ticks offsetForBeginning() const;

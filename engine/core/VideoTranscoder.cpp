@@ -48,16 +48,12 @@ void VideoTranscoder::finish() {
 
 void VideoTranscoder::encode(AVFrame& picture) {
     const AVRational base = mEncoder.codec().time_base;
-    std::int64_t time = picture.best_effort_timestamp;
-    if (time == kNoTime) {
-        time = mLastTime == kNoTime ? 0 : mLastTime + mLastDuration;
-    } else {
-        time = av_rescale_q(time, kTicks, base);
+    std::int64_t time = mLastTime == kNoTime ? 0 : addTimes(mLastTime, mLastDuration);
+    if (picture.best_effort_timestamp != kNoTime) {
+        time = av_rescale_q(picture.best_effort_timestamp, kTicks, base);
     }
-    if (mLastTime != kNoTime && time <= mLastTime) {
-        trace(TraceLevel::Debug, "A picture that is not later than the one before is left out");
-        return;
-    }
+    // Two may have the same time in the source, whose clock is coarser.
+    time = mLastTime == kNoTime ? time : std::max(time, addTimes(mLastTime, 1));
     const bool isKey = mustBeKey(time);
     mLastTime = time;
     AVFrame& fitted = mFitter.fit(picture);

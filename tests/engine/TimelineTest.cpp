@@ -37,7 +37,7 @@ std::vector<std::pair<double, Stamp>> packetsOf(const std::vector<Stretch>& stre
                 const double time = stretch.begin + i / 50.0;
                 const auto ticks = static_cast<Ticks>((time + stretch.off) * kTicks.den);
                 packets.push_back(
-                    {time, {lane, ticks, ticks, kTicks.den / (kind == 'v' ? 25 : 50), 0}});
+                    {time, {lane, ticks, ticks, kTicks.den / (kind == 'v' ? 25 : 50), false, 0}});
             }
         }
     }
@@ -106,8 +106,8 @@ TEST(TimelineAtTheBeginning, KeepsPrimingOutOfHearingInTheFirstPartOnly) {
     for (const Ticks begin : {Ticks{0}, Ticks{kTicks.den}}) {
         Timeline timeline(begin, {AVMEDIA_TYPE_VIDEO, AVMEDIA_TYPE_AUDIO}, false);
         const Ticks priming = kTicks.den / 50;
-        timeline.add({1, -priming, -priming, priming, priming});
-        timeline.add({0, 0, 0, kTicks.den / 25, 0});
+        timeline.add({1, -priming, -priming, priming, false, priming});
+        timeline.add({0, 0, 0, kTicks.den / 25, false, 0});
         ASSERT_TRUE(timeline.hasOffset());
         EXPECT_EQ(timeline.takeOffset(), begin == 0 ? 0 : begin + priming);
     }
