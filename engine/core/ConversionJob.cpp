@@ -4,6 +4,7 @@
 #include "engine/core/Ending.h"
 #include "engine/core/PartJoiner.h"
 #include "engine/core/PartWatch.h"
+#include "engine/core/PictureSurvey.h"
 #include "engine/core/Trace.h"
 #include "engine/core/Verifier.h"
 
@@ -85,6 +86,14 @@ void ConversionJob::convert() {
         mSink.call([percent](zel::IZelMediaConverterSink& sink) { sink.OnProgress(percent); });
     });
     std::vector<WrittenTrack> written;
+    const auto beginAnew = [&] {
+        mLosses = {};
+        std::ranges::for_each(sources, &Source::close, [](const auto& each) -> Source& {
+            return *each; // they begin at their beginning again
+        });
+        destination.reset();
+        destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
+    };
     while (written.empty()) {
         try {
             written = write(sources, plans, *destination, progress);
@@ -93,12 +102,10 @@ void ConversionJob::convert() {
                   text("Track ", found.track, " is transcoded after all: ", found.reason));
             plans[found.track].isCopied = false;
             plans[found.track].reason = found.reason;
-            mLosses = {};
-            std::ranges::for_each(sources, &Source::close, [](const auto& each) -> Source& {
-                return *each; // they begin at their beginning again
-            });
-            destination.reset();
-            destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
+            beginAnew();
+        } catch (const PictureGrew& found) {
+            beginAnew();
+            surveyPictures(sources, plans, found, mStop);
         }
     }
     settleLosses();

@@ -1,6 +1,7 @@
 #include "engine/core/VideoTranscoder.h"
 
 #include "engine/core/PictureEncoder.h"
+#include "engine/core/PictureSurvey.h"
 #include "engine/core/Trace.h"
 
 #include <algorithm>
@@ -17,6 +18,7 @@ constexpr int kKeyFrameSeconds = 5;
 VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses)
     : mLosses(losses),
       mCanvas(canvasFor(plan, keepsFormat(bestPictureEncoder()))),
+      mIsSurveyed(plan.isSurveyed),
       mEncoder(pictureEncoder(bestPictureEncoder(), mCanvas, plan), muxer),
       mFitter(mCanvas) {
     trace(TraceLevel::Info, text("Video is encoded by ", mEncoder.codec().codec->name, ", ",
@@ -30,6 +32,7 @@ VideoTranscoder::VideoTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& lo
 void VideoTranscoder::beginPart(const AVStream& stream) {
     mDecoder.emplace(stream, mLosses);
     mFitter.beginPart(stream);
+    mStream = &stream;
 }
 
 void VideoTranscoder::accept(AVPacket& packet) {
@@ -47,6 +50,11 @@ void VideoTranscoder::finish() {
 }
 
 void VideoTranscoder::encode(AVFrame& picture) {
+    const PictureSize size{picture.width, picture.height};
+    if (!mIsSurveyed && size.area() > PictureSize{mCanvas.width, mCanvas.height}.area() &&
+        picture.decode_error_flags == 0) {
+        throw PictureGrew{mStream, size};
+    }
     const AVRational base = mEncoder.codec().time_base;
     std::int64_t time = mLastTime == kNoTime ? 0 : addTimes(mLastTime, mLastDuration);
     if (picture.best_effort_timestamp != kNoTime) {

@@ -28,6 +28,8 @@ private:
 
     Losses& mLosses;
     Canvas mCanvas;
+    const bool mIsSurveyed;
+    const AVStream* mStream = nullptr; ///< of the part
     Encoder mEncoder;
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;
