@@ -30,6 +30,10 @@ void turnPlane(const Orientation& orientation, const std::uint8_t* from, int fro
     for (int y = 0; y < height; ++y) {
         const std::ptrdiff_t down = orientation.isMirroredDown ? height - 1 - y : y;
         std::uint8_t* line = to + static_cast<std::ptrdiff_t>(y) * toStride;
+        if (!orientation.isTransposed && !orientation.isMirroredAcross) {
+            std::memcpy(line, from + down * fromStride, static_cast<std::size_t>(width));
+            continue;
+        }
         for (int x = 0; x < width; ++x) {
             const std::ptrdiff_t across = orientation.isMirroredAcross ? width - 1 - x : x;
             line[x] = orientation.isTransposed ? from[across * fromStride + down]

@@ -138,28 +138,31 @@ void PictureFitter::scaleOnto(const AVFrame& picture, const PictureKind& from, c
     PictureKind to = canvasKind(from);
     to.width = place.width;
     to.height = place.height;
-    if (mOrientation != Orientation{}) {
-        if (mOrientation.isTransposed) {
-            std::swap(to.width, to.height);
-        }
-        const FramePtr lying = pictureOf(to.width, to.height);
-        mScaler.scale(from, planesOf(picture), to, planesOf(*lying));
-        turnOnto(*lying, place);
+    if (mOrientation.isTransposed) {
+        std::swap(to.width, to.height);
+    }
+    if (mOrientation == Orientation{} && place.isExact) {
+        scale(picture, from, *mFitted, to);
         return;
     }
-    const PicturePlanes source = planesOf(picture);
-    const PicturePlanes target = planesOf(*mFitted, place.left, place.top);
+    // The scaler writes up to a few columns too many, which here would be seen.
+    const FramePtr lying = pictureOf(to.width, to.height);
+    scale(picture, from, *lying, to);
+    turnOnto(*lying, place);
+}
+
+void PictureFitter::scale(const AVFrame& picture, PictureKind from, const AVFrame& target,
+                          PictureKind to) {
     const bool isByFields = mCanvas.isInterlaced && picture.interlaced_frame != 0 &&
                             from.height % 4 == 0 && to.height % 4 == 0;
     if (!isByFields) {
-        mScaler.scale(from, source, to, target);
+        mScaler.scale(from, planesOf(picture), to, planesOf(target));
         return;
     }
-    PictureKind half = from;
-    half.height /= 2;
+    from.height /= 2;
     to.height /= 2;
     for (const int field : {0, 1}) {
-        mScaler.scale(half, source.field(field), to, target.field(field));
+        mScaler.scale(from, planesOf(picture).field(field), to, planesOf(target).field(field));
     }
 }
 

@@ -30,6 +30,7 @@ private:
     PictureKind kindOf(const AVFrame& picture) const;
     PictureKind canvasKind(const PictureKind& from) const;
     void scaleOnto(const AVFrame& picture, const PictureKind& from, const Place& place);
+    void scale(const AVFrame& picture, PictureKind from, const AVFrame& target, PictureKind to);
     void turnOnto(const AVFrame& lying, const Place& place);
     void repeatEdges(const Place& place);
     void blacken();
