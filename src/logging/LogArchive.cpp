@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <map>
 #include <stdexcept>
 #include <utility>
 
@@ -84,10 +85,11 @@ void LogArchive::collect(const Files& files) {
 
 std::size_t LogArchive::copyFiles(const Files& files) const {
     std::size_t copied = 0;
+    std::map<std::string, int> numbers;
     for (const auto& [name, path] : files) {
         if (!isPlainName(name)) {
             TARN_LOG(RootLoggerLevel::Error, "Refused to archive under the name: " << name);
-        } else if (!copyFile(path, name)) {
+        } else if (!copyFile(path, name, numbers[name])) {
             const std::uint32_t error = platform::lastFileError();
             TARN_LOG(RootLoggerLevel::Error,
                      "Failed to copy: " << path << ", errorCode: " << error);
@@ -98,16 +100,18 @@ std::size_t LogArchive::copyFiles(const Files& files) const {
     return copied;
 }
 
-bool LogArchive::copyFile(const std::string& path, const std::string& name) const {
+bool LogArchive::copyFile(const std::string& path, const std::string& name, int& number) const {
     const auto [stem, extension] = mFileUtils->splitExtension(mFileUtils->sanitizeFileName(name));
-    std::string free = stem + extension;
-    for (int number = 1; !mWorkFolder->copyIn(path, free); ++number) {
+    while (true) {
+        const std::string mark = number == 0 ? "" : "(" + std::to_string(number) + ")";
+        ++number;
+        if (mWorkFolder->copyIn(path, stem + mark + extension)) {
+            return true;
+        }
         if (errno != EEXIST) {
             return false;
         }
-        free = stem + "(" + std::to_string(number) + ")" + extension;
     }
-    return true;
 }
 
 void LogArchive::removeWorkFolder() noexcept {

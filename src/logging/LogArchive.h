@@ -42,7 +42,8 @@ public:
 
 private:
     std::size_t copyFiles(const Files& files) const;
-    bool copyFile(const std::string& path, const std::string& name) const;
+    /// `number` counts the files that have had the name.
+    bool copyFile(const std::string& path, const std::string& name, int& number) const;
     void removeWorkFolder() noexcept;
     void removeLeftovers() const;
     void prune() const;

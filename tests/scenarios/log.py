@@ -9,7 +9,7 @@ import time
 import zipfile
 from datetime import datetime, timezone
 
-from program import FAKES, RECORDINGS, REPLACE, WINE, Case, linux_only, main
+from program import FAKES, LAUNCHER, RECORDINGS, REPLACE, WINE, Case, linux_only, main
 
 LINE = re.compile(  # time <Level> [process:thread][name]File:line function:tag:message
     r"(?P<time>\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ) <(Debug|Info|Warn|Error)> "
@@ -107,20 +107,21 @@ class Log(Case):
         self.assertEqual(len(list(self.folder.glob("*.zip"))), 2)
 
     @linux_only
-    def test_closed_streams_and_a_limit_to_files_cost_nothing_and_end_in_words(self):
-        source = RECORDINGS / "h264-aac.mkv"
-        self.convert(source)
-        expected = self.destination.read_bytes()
-        for before, status in (("exec 0<&- 1>&- 2>&-", 0), ("ulimit -f 8", 1)):
-            self.destination.unlink()
-            command = (LAUNCHER, "--no-window", source, self.destination)
-            run = self.run_program("-c", before + '; exec "$@"', "sh", *command, program="sh")
-            self.assertEqual(run.status, status, run)
-            if status == 0:
-                self.assertEqual(self.destination.read_bytes(), expected)
-                self.assertTrue(all(map(LINE.fullmatch, self.log_lines())), self.log())
-            self.assert_left(*(["out.mp4"] if status == 0 else []))
-            self.destination.touch()
+    def test_no_file_takes_the_place_of_a_closed_stream_and_a_limit_to_files_is_an_error(self):
+        command = (LAUNCHER, "--no-window", "--engine-folder", FAKES / "whole")
+        command += (self.write("script.mkv", "progress 10\nhold"), self.destination)
+        closed = 'exec 0<&- 1>&- 2>&-; exec "$@"'
+        run = self.start("-c", closed, "sh", *command, program="sh")
+        log = self.logs / "current_log.txt"
+        run.await_that(lambda: log.exists() and self.logged("record-converter 1."), "logged")
+        for number in range(3):
+            self.assertEqual(os.readlink(f"/proc/{run.process.pid}/fd/{number}"), "/dev/null")
+        run.signal(signal.SIGINT)
+        self.assertEqual(run.wait(), 130)
+        command = (LAUNCHER, "--no-window", RECORDINGS / "h264-aac.mkv", self.destination)
+        run = self.run_program("-c", 'ulimit -f 1; exec "$@"', "sh", *command, program="sh")
+        self.assertEqual(run.status, 1, run)
+        self.assert_left("script.mkv")
 
     @linux_only
     def test_no_name_from_outside_forges_a_line_or_is_written_raw(self):
