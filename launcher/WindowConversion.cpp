@@ -26,7 +26,7 @@ EntryPoint entryPoint = nullptr;
 /// What the process ends with once the window has left it; -1: whatever it ends with by itself.
 std::atomic<int> statusToLeaveWith{-1};
 /// Outlives everything but the process.
-std::atomic<WindowEnding*> ending{nullptr};
+std::atomic<WindowEnding*> windowEnding{nullptr};
 
 /// The window leaves by exit(0) whatever has become of the recording.
 void leaveWithOurStatus() {
@@ -37,7 +37,7 @@ void leaveWithOurStatus() {
 }
 
 ExitStatus conclude(WindowEnding::Reason reason) {
-    const ExitStatus status = ending.load()->conclude(reason);
+    const ExitStatus status = windowEnding.load()->conclude(reason);
     statusToLeaveWith = static_cast<int>(status);
     return status;
 }
@@ -84,8 +84,8 @@ Objection checkWindow(const std::string& runtimeFolder) {
 }
 
 ExitStatus convertInWindow(const Job& job, Theme theme, const std::string& program) {
-    ending = new WindowEnding(job);
-    const std::vector<std::string> sources = ending.load()->secondNames();
+    windowEnding = new WindowEnding(job);
+    const std::vector<std::string> sources = windowEnding.load()->secondNames();
     if (sources.empty()) {
         return refuse(
             "The recordings can be linked neither beside themselves nor in the folder for "
@@ -95,7 +95,7 @@ ExitStatus convertInWindow(const Job& job, Theme theme, const std::string& progr
     const auto list = encodeSourceList(sources);
     // Registered last, so called while the engine is still whole.
     std::atexit(concludeAtExit);
-    ending.load()->watch();
+    windowEnding.load()->watch();
     const int result = callEntryPoint(
         {program, job.engineFolder, "", list, job.destination, theme == Theme::Dark ? "2" : "1"});
     return conclude(result == 0 ? WindowEnding::Reason::Left : WindowEnding::Reason::NotShown);

@@ -12,7 +12,7 @@ namespace launcher {
 namespace {
 
 constexpr std::chrono::milliseconds kLookPeriod{100};
-constexpr std::uint32_t kStopPatience = 700;
+constexpr std::uint32_t kWindowStopPatience = 700;
 
 } // namespace
 
@@ -74,7 +74,7 @@ bool WindowEnding::isComplete(bool isOver) const {
 
 ExitStatus WindowEnding::conclude(Reason reason) {
     look();
-    mEngine.stop(kStopPatience);
+    mEngine.stop(kWindowStopPatience);
     look();
     const std::lock_guard lock(mMutex);
     if (!mStatus) {

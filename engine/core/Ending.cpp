@@ -6,27 +6,27 @@ namespace zelcore {
 
 namespace {
 
-struct Shared {
+struct Kept {
     std::mutex mutex; ///< guards ending
     Ending ending;
 };
 
-Shared& shared() {
+Kept& kept() {
     // Leaked: conversions may run while the process ends.
-    static auto& instance = *new Shared();
+    static auto& instance = *new Kept();
     return instance;
 }
 
 } // namespace
 
 void keepEnding(const Ending& ending) {
-    const std::lock_guard lock(shared().mutex);
-    shared().ending = ending;
+    const std::lock_guard lock(kept().mutex);
+    kept().ending = ending;
 }
 
 Ending lastEnding() {
-    const std::lock_guard lock(shared().mutex);
-    return shared().ending;
+    const std::lock_guard lock(kept().mutex);
+    return kept().ending;
 }
 
 } // namespace zelcore

@@ -18,7 +18,7 @@
 namespace tarn::platform {
 namespace {
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kDisplayPatience{10};
 
 bool somebodyListens(const std::string& name) {
     sockaddr_un address = {};
@@ -88,7 +88,8 @@ bool hasX11() {
         attempt->changed.notify_all();
     }).detach();
     std::unique_lock lock(attempt->mutex);
-    attempt->changed.wait_for(lock, kPatience, [&] { return attempt->isConnected.has_value(); });
+    attempt->changed.wait_for(lock, kDisplayPatience,
+                              [&] { return attempt->isConnected.has_value(); });
     return attempt->isConnected.value_or(false);
 }
 

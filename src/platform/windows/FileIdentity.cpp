@@ -9,14 +9,14 @@
 namespace tarn::platform {
 namespace {
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-HANDLE openWith(const std::string& path, DWORD access, DWORD flags) {
-    return CreateFileW(systemPath(path).c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
+HANDLE openForIdentity(const std::string& path, DWORD access, DWORD flags) {
+    return CreateFileW(systemPath(path).c_str(), access, kSharedWithAll, nullptr, OPEN_EXISTING,
                        FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
 }
 
-std::uint64_t joined(DWORD high, DWORD low) {
+std::uint64_t wideNumber(DWORD high, DWORD low) {
     return (std::uint64_t{high} << 32U) | low;
 }
 
@@ -29,10 +29,10 @@ std::optional<FileIdentity> identify(const Handle& file) {
     const bool isFolder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return FileIdentity{
         .volume = information.dwVolumeSerialNumber,
-        .number = joined(information.nFileIndexHigh, information.nFileIndexLow),
-        .size = joined(information.nFileSizeHigh, information.nFileSizeLow),
-        .modified = static_cast<std::int64_t>(joined(information.ftLastWriteTime.dwHighDateTime,
-                                                     information.ftLastWriteTime.dwLowDateTime)),
+        .number = wideNumber(information.nFileIndexHigh, information.nFileIndexLow),
+        .size = wideNumber(information.nFileSizeHigh, information.nFileSizeLow),
+        .modified = static_cast<std::int64_t>(wideNumber(
+            information.ftLastWriteTime.dwHighDateTime, information.ftLastWriteTime.dwLowDateTime)),
         .kind = isFolder                                    ? FileKind::Folder
                 : GetFileType(file.get()) == FILE_TYPE_DISK ? FileKind::Ordinary
                                                             : FileKind::Other};
@@ -41,7 +41,7 @@ std::optional<FileIdentity> identify(const Handle& file) {
 } // namespace
 
 std::optional<FileIdentity> identifyFile(const std::string& path) {
-    const Handle file(openWith(path, FILE_READ_ATTRIBUTES, 0));
+    const Handle file(openForIdentity(path, FILE_READ_ATTRIBUTES, 0));
     if (file && GetFileType(file.get()) != FILE_TYPE_DISK) {
         return FileIdentity{}; // a device knows nothing of itself
     }
@@ -66,7 +66,8 @@ bool isWriteProtected(const std::string& path) {
 
 Removal removeUnchangedFile(const std::string& path, const FileIdentity& expected) {
     // Looked at and removed through one handle: no other file can come in between.
-    const Handle file(openWith(path, DELETE | FILE_READ_ATTRIBUTES, FILE_FLAG_OPEN_REPARSE_POINT));
+    const Handle file(
+        openForIdentity(path, DELETE | FILE_READ_ATTRIBUTES, FILE_FLAG_OPEN_REPARSE_POINT));
     const auto now = identify(file);
     if (now && now != expected) {
         return Removal::Changed;
