@@ -20,35 +20,16 @@ touch -d '1975-01-01 00:00:00 UTC' sample/empty
 
 "$@"
 
-unzip -tqq sample.zip
 7z t sample.zip >/dev/null
-mkdir extracted
-(cd extracted && LC_ALL=C.UTF-8 unzip -qq ../sample.zip)
+LC_ALL=C.UTF-8 unzip -qq sample.zip -d extracted
 diff -r sample extracted
 [ "$(stat -c %Y extracted/numbers.txt)" = "$(stat -c %Y sample/numbers.txt)" ]
-
-python3 - <<'PYTHON'
-import os
-import zipfile
-
-with zipfile.ZipFile("sample.zip") as archive:
-    assert archive.testzip() is None
-    names = set(archive.namelist())
-    expected = {
-        os.path.relpath(os.path.join(folder, name), "sample")
-        for folder, _, names in os.walk("sample")
-        for name in names
-    }
-    assert names == expected, names
+python3 -c 'if True:
+    import zipfile
+    archive = zipfile.ZipFile("sample.zip")
     for entry in archive.infolist():
-        if entry.filename == "large":
-            continue
-        assert entry.flag_bits & 0x800, entry
-        assert "\\" not in entry.filename
-        with archive.open(entry) as mine, open("sample/" + entry.filename, "rb") as theirs:
-            assert mine.read() == theirs.read()
+        assert entry.flag_bits & 0x800 and "\\" not in entry.filename, entry
+        assert entry.file_size < 9 or entry.compress_type == zipfile.ZIP_DEFLATED, entry
     assert archive.getinfo("numbers.txt").date_time == (2001, 2, 3, 4, 5, 6)
-    assert archive.getinfo("empty").date_time == (1980, 1, 1, 0, 0, 0)
-    assert archive.getinfo("numbers.txt").compress_type == zipfile.ZIP_DEFLATED
-PYTHON
+    assert archive.getinfo("empty").date_time == (1980, 1, 1, 0, 0, 0)'
 echo "accepted by unzip, 7z and Python's zipfile"
