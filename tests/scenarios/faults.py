@@ -15,6 +15,13 @@ from program import Case, library_file, linux_only, main, seeded
 RECORDING = BUILD / "tests/faults/recording.mkv"
 
 
+def is_reached(case):
+    """Under Wine it is Wine's server that opens, closes, renames and removes files, and the first
+    reads are Wine's own."""
+    call, path, first = (case if isinstance(case, str) else case[0]).split()[:3]
+    return not WINE or call in ("write", "fsync") or (call == "read" and first != "1")
+
+
 class Faulty(Case):
     """Converts a recording of some megabytes, with calls of the process made to fail."""
 
@@ -72,7 +79,6 @@ class Faulty(Case):
 
 
 class Conversion(Faulty):
-    # Under Wine its server opens, closes, renames and removes files: faults do not reach it.
     FAILING = [
         ("read meeting.mkv 1 1", "EIO", 20009),
         ("read meeting.mkv 9 9", "EIO", 20009),
@@ -89,20 +95,18 @@ class Conversion(Faulty):
         ("write .part 1 1", "drop", 20027),
         ("write .part 50 50", "drop", 20027),
         ("write .part 100 0", "drop", 20027),
-    ] + [
         ("open .part 1 1", "ENOSPC", 20025),
         ("open .part 1 1", "EMFILE", 20026),
         ("open .part 1 1", "EROFS", 20023),
         ("close .part 1 1", "EIO", 20026),
         ("rename .part 1 0", "EACCES", 20023),
         ("rename .part 1 0", "ENOSPC", 20025),
-    ] * (
-        not WINE
-    )
+    ]
 
     def test_a_failed_call_leaves_the_recording_and_an_older_destination(self):
-        for calls, error, code in self.FAILING:
+        for calls, error, code in filter(is_reached, self.FAILING):
             with self.subTest(calls=calls, error=error):
+                self.again()
                 self.write("out.mp4", "older")
                 run = self.convert_faulty(f"{calls} {getattr(errno, error, error)}")
                 self.assertEqual(run.status, 1, run)
@@ -115,7 +119,7 @@ class Conversion(Faulty):
     def test_short_and_interrupted_calls_change_nothing(self):
         run = self.convert_faulty(
             "write .part 1 0 short;read meeting.mkv 1 0 short;read .part 1 0 short;"
-            f"fsync .part 1 2 {errno.EINTR}"
+            + f"fsync .part 1 2 {errno.EINTR}" * (not WINE)  # which takes it for a failure
         )
         self.assertEqual(run.status, 0, run)
         self.assertTrue(self.has_result())
@@ -148,14 +152,12 @@ class Conversion(Faulty):
 
 
 class Kill(Faulty):
-    POINTS = ["write .part 1", "write .part 2", "write .part 6", "fsync .part 1", "read .part 1"]
-    POINTS += ["read .part 2", "write current_log.txt 2"]
-    POINTS += ["open .part 1", "close .part 1", "rename .part 1", "unlink meeting.mkv 1"] * (
-        not WINE
-    )
+    POINTS = ["open .part 1", "write .part 1", "write .part 2", "write .part 6", "fsync .part 1"]
+    POINTS += ["close .part 1", "read .part 1", "read .part 2", "rename .part 1"]
+    POINTS += ["unlink meeting.mkv 1", "write current_log.txt 2"]
 
     def test_before_a_call_loses_nothing_and_the_next_run_ends_the_job(self):
-        for point in self.POINTS:
+        for point in filter(is_reached, self.POINTS):
             with self.subTest(point=point):
                 self.again()
                 run = self.convert_faulty(f"{point} 0 kill")
