@@ -220,7 +220,7 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTaskAndLeavesNothingToTheNex
     for (const bool isRegistered : {false, true}) {
         mQueue = std::make_shared<AsyncQueue>("Q", isRegistered);
         std::uint32_t worker = 0;
-        for (const std::string name : {"first", "first", "second"}) {
+        for (const std::string& name : {std::string("first"), std::string(300, 'x')}) {
             run(name, [&] {
                 worker = platform::threadId();
                 EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[" + name + "]");
@@ -239,6 +239,7 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTaskAndLeavesNothingToTheNex
             }
         }
         hold();
+        EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[hold]") << "from another thread";
         post("later");
         Signal isSuspended;
         std::string idleName;

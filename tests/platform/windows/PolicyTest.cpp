@@ -33,16 +33,5 @@ TEST_F(UnsignedProgram, LeavesTheProtectionOffWhateverThePolicySays) {
     EXPECT_FALSE(policy.hasAcceptedSignature(program, true));
 }
 
-TEST_F(UnsignedProgram, KnowsAcceptedSignatures) {
-    const auto isAccepted = [](const std::string& name) {
-        const std::wstring path = platform::toWide(besideProgram("signed\\" + name));
-        return SideLoadingPolicy::ofProcess().hasAcceptedSignature(path, true);
-    };
-    EXPECT_EQ(isAccepted("accepted.dll"), FileUtils().exists(besideProgram("signed")));
-    for (const char* name : {"capitals.dll", "other.dll", "beyond-ascii.dll", "absent.dll"}) {
-        EXPECT_FALSE(isAccepted(name)) << name;
-    }
-}
-
 } // namespace
 } // namespace tarn::loader
