@@ -11,6 +11,7 @@ stands in its place. A fault that no test turns red for has survived. The copy i
 HEAD in build/mutants: the tree itself is never touched. A run takes hours.
 """
 import argparse
+import os
 import pathlib
 import subprocess
 import sys
@@ -23,7 +24,8 @@ WANTED = 0.95  # of the faults have to be found
 
 def run(*command: str, quiet: bool = True) -> int:
     output = subprocess.DEVNULL if quiet else None
-    return subprocess.call(command, cwd=COPY, stdout=output, stderr=output)
+    environment = {**os.environ, "CCACHE_BASEDIR": str(COPY), "CCACHE_NOHASHDIR": "true"}
+    return subprocess.call(command, cwd=COPY, env=environment, stdout=output, stderr=output)
 
 
 def spoil(mutant: dict[str, str], root: pathlib.Path) -> str | None:
