@@ -4,8 +4,13 @@
 #include "logging/LogCall.h"
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
+#include "platform/LibraryFile.h"
 #include "platform/Text.h"
 #include "utils/FileUtils.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace tarn::loader {
 namespace {
@@ -36,9 +41,10 @@ void logFound(const std::string& name, const std::wstring& path) {
 
 void warnOfOpenFolder(const std::wstring& folder) {
     const std::string path = platform::toUtf8(folder);
-    if (platform::canOthersWrite(path)) {
-        TARN_LOG(RootLoggerLevel::Warn,
-                 "Libraries in '" << path << "' can be changed by other users");
+    if (const auto open = platform::placeThatOthersCanChange(path)) {
+        TARN_LOG(RootLoggerLevel::Warn, "Libraries in '" << path
+                                                         << "' can be changed by other users, by '"
+                                                         << *open << "'");
     }
 }
 
@@ -67,6 +73,24 @@ LibraryHandle load(const std::wstring& fileName, const std::wstring& folder,
     return library;
 }
 
+/// What the system would load along from the same folder is asked about, too. False when one of the
+/// files cannot be opened.
+bool addNeighbours(std::vector<platform::LibraryFile>& together, std::size_t of) {
+    for (const std::wstring& path : together[of].neighbours()) {
+        platform::LibraryFile file(path);
+        if (!file.isOpen()) {
+            return false;
+        }
+        if (std::ranges::none_of(together, [&](const auto& known) {
+                return known.path().size() == file.path().size() &&
+                       platform::startsWithIgnoringCase(known.path(), file.path());
+            })) {
+            together.push_back(std::move(file));
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 LibraryHandle loadLibrary(const wchar_t* fileName, const std::wstring& folder,
@@ -84,11 +108,23 @@ LibraryHandle safeLoadLibrary(const std::wstring& path, const SideLoadingPolicy&
         platform::refuseToLoad(platform::LoadRefusal::NoFullPath);
         return nullptr;
     }
-    if (policy.refuses(path)) {
-        platform::refuseToLoad(platform::LoadRefusal::Policy);
+    std::vector<platform::LibraryFile> together; // held up to the load
+    if (!together.emplace_back(path).isOpen()) {
         return nullptr;
     }
-    return platform::loadWithAlteredSearchPath(path);
+    for (std::size_t next = 0; next < together.size(); ++next) {
+        if (policy.refuses(together[next].path()) || policy.refuses(together[next].givenPath())) {
+            TARN_LOG(RootLoggerLevel::Warn, "Refused to load "
+                                                << platform::toUtf8(together[next].path())
+                                                << ": no accepted signature");
+            platform::refuseToLoad(platform::LoadRefusal::Policy);
+            return nullptr;
+        }
+        if (policy.isSideLoadingProtectionEnabled() && !addNeighbours(together, next)) {
+            return nullptr;
+        }
+    }
+    return platform::loadWithAlteredSearchPath(together.front().path());
 }
 
 LibraryHandle loadSystemLibrary(const std::wstring& fileName) {

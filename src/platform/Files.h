@@ -51,10 +51,11 @@ bool makeHardLink(const std::string& existing, const std::string& link);
 bool isSameFile(const std::string& left, const std::string& right);
 /// True when the caller may create files in the folder; tried, not guessed.
 bool isFolderWritable(const std::string& folder);
-/// True when users other than the caller and the administrator may change what is in the folder, by
-/// its owner or its permissions for everybody. Windows: false; the side-loading policy decides
-/// there.
-bool canOthersWrite(const std::string& folder);
+/// The first place by which users other than the caller and the administrator may change the
+/// libraries in a folder, by owner, group or permissions: the folder, one of those above it, or one
+/// of the libraries. A group counts unless it is the administrator's or bears the caller's own
+/// name. Windows: nothing; the side-loading policy decides there.
+std::optional<std::string> placeThatOthersCanChange(const std::string& folder);
 
 /// The path in the form that the system's calls take, for streams: std::ifstream(nativePath(p)).
 /// Windows: wide text, `\\?\`-prefixed when long. Linux: the bytes as they are.

@@ -45,6 +45,10 @@ enum class LoadRefusal { NoFullPath, Policy };
 /// Makes lastError() and loadFailureText() tell of a library that was not even tried.
 void refuseToLoad(LoadRefusal reason);
 
+/// Takes the working folder and PATH out of the search for libraries, in this process from here on.
+/// Linux never searches there.
+void useDefaultLibraryFolders();
+
 /// "mediaconverter" gives "mediaconverter.dll" or "libmediaconverter.so".
 std::string libraryFileName(const std::string& baseName);
 

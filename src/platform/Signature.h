@@ -6,7 +6,8 @@
 namespace tarn::platform {
 
 /// Simple display name of the signer of a file that carries exactly one valid embedded Authenticode
-/// signature; nothing in every other case. Linux libraries carry none: nothing.
+/// signature, which is of the bytes that the file has now; nothing in every other case. Linux
+/// libraries carry none: nothing.
 std::optional<std::wstring> embeddedSignerName(const std::wstring& path);
 
 /// True when the file's properties can be read at all.

@@ -86,15 +86,6 @@ bool isFolderWritable(const std::string& folder) {
     return unlink(probe.c_str()) == 0;
 }
 
-bool canOthersWrite(const std::string& folder) {
-    struct stat status {};
-    if (stat(systemPath(folder), &status) != 0) {
-        return false;
-    }
-    const bool isForeign = status.st_uid != 0 && status.st_uid != geteuid();
-    return isForeign || (status.st_mode & S_IWOTH) != 0;
-}
-
 std::filesystem::path nativePath(const std::string& path) {
     return systemPath(path);
 }

@@ -126,6 +126,9 @@ void refuseToLoad(LoadRefusal reason) {
     }
 }
 
+void useDefaultLibraryFolders() {
+}
+
 std::string libraryFileName(const std::string& baseName) {
     return "lib" + baseName + ".so";
 }

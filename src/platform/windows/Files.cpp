@@ -176,8 +176,8 @@ bool isFolderWritable(const std::string& folder) {
     return file || failedByLastError();
 }
 
-bool canOthersWrite(const std::string& /*folder*/) {
-    return false;
+std::optional<std::string> placeThatOthersCanChange(const std::string& /*folder*/) {
+    return std::nullopt;
 }
 
 std::filesystem::path nativePath(const std::string& path) {

@@ -81,6 +81,10 @@ void refuseToLoad(LoadRefusal reason) {
                                                : ERROR_BAD_PATHNAME);
 }
 
+void useDefaultLibraryFolders() {
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+}
+
 std::string libraryFileName(const std::string& baseName) {
     return baseName + ".dll";
 }

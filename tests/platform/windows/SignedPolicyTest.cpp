@@ -1,6 +1,8 @@
 // The side-loading policy in a program that carries an accepted signature: here it can be on.
 #include "platform/windows/PolicyFixture.h"
 
+#include <algorithm>
+
 namespace tarn::loader {
 namespace {
 
@@ -22,6 +24,43 @@ TEST_F(SignedProgram, LoadsOnlyALibraryOfAnAcceptedSigner) {
     EXPECT_TRUE(loads("signed\\accepted.dll", mInstalled.path()));
     EXPECT_THAT(mLog->lines().back(), "<Debug> Loaded neighbour.dll with altered paths");
     EXPECT_TRUE(isMarked());
+}
+
+TEST_F(SignedProgram, TakesNoOtherSpellingOfAPathForAnotherPlace) {
+    demandProtection();
+    loads("signed\\other.dll", mInstalled.path());
+    const std::wstring path = platform::toWide(mInstalled / "neighbour.dll");
+    std::wstring slashes = path;
+    std::ranges::replace(slashes, L'\\', L'/');
+    const std::wstring folder = platform::toWide(mInstalled.path());
+    for (const std::wstring& spelling :
+         {path, slashes, L"\\\\?\\" + path, folder + L"\\\\neighbour.dll",
+          folder + L"\\.\\neighbour.dll", folder + L"\\x\\..\\neighbour.dll"}) {
+        EXPECT_EQ(safeLoadLibrary(spelling), nullptr) << platform::toUtf8(spelling);
+        EXPECT_EQ(platform::lastError(), DWORD{ERROR_ACCESS_DISABLED_BY_POLICY});
+    }
+    EXPECT_FALSE(isMarked()) << "code of a refused library ran";
+}
+
+TEST_F(SignedProgram, RefusesALibraryWhoseBytesAreNotThoseThatWereSigned) {
+    demandProtection();
+    for (const char* name : {"signed\\changed.dll", "signed\\borrowed.dll"}) {
+        EXPECT_FALSE(loads(name, mInstalled.path())) << name;
+    }
+    EXPECT_FALSE(isMarked());
+}
+
+TEST_F(SignedProgram, ChecksWhatALibraryBringsAlong) {
+    demandProtection();
+    const FileUtils files;
+    const std::string plugin = mInstalled / "plugin.dll";
+    EXPECT_TRUE(files.copyFile(besideProgram("signed\\plugin.dll"), plugin));
+    for (const auto& [neighbour, isAccepted] :
+         {std::pair{"libraries\\neighbour.dll", false}, {"signed\\accepted.dll", true}}) {
+        EXPECT_TRUE(files.copyFile(besideProgram(neighbour), mInstalled / "neighbour.dll"));
+        EXPECT_EQ(safeLoadLibrary(platform::toWide(plugin)) != nullptr, isAccepted) << neighbour;
+        EXPECT_EQ(isMarked(), isAccepted);
+    }
 }
 
 TEST_F(SignedProgram, LoadsAnythingFromElsewhere) {
