@@ -18,8 +18,9 @@ constexpr int kMostOffMilliseconds = 40;
 constexpr int kDriftMilliseconds = 5;
 constexpr double kWeightOfOne = 1.0 / 16; ///< of one deviation in the mean
 constexpr int kSecondsToMakeGood = 2;
-// Beyond a day it is a damaged time, whose silence would fill the disk.
-constexpr std::int64_t kLongestGapInSeconds = 24 * 3600;
+// A longer silence is left to the times of the packets around it, as where sound is copied.
+constexpr std::int64_t kLongestSilenceInSeconds = 60;
+constexpr std::int64_t kLongestLeapInSeconds = 3600;
 constexpr int kSilencePiece = 8192;
 
 int bestRate(const AVCodec& codec, int wanted) {
@@ -155,21 +156,37 @@ void AudioTranscoder::bridgeTo(std::int64_t time) {
     }
     mMeanGap = 0;
     trace(TraceLevel::Debug, text("Sound jumps by ", static_cast<double>(gap) / rate, " s"));
-    if (gap / rate > kLongestGapInSeconds) {
-        throw Failure(ErrorCode::SourceDamaged, text("Sound jumps by ", gap / rate, " s"));
-    }
     if (gap < 0) {
         mToSkip = static_cast<int>(std::min<std::int64_t>(-gap, INT32_MAX));
         return;
     }
+    if (gap / rate < kLongestSilenceInSeconds) {
+        queueSilence(gap);
+        return;
+    }
+    // One whole frame more, because a frame is heard to its end only with the next; and some on the
+    // way, because MP4 holds no pause of a day.
+    const int whole = frameSize();
+    const std::int64_t longest = rate * kLongestLeapInSeconds;
+    while (mQueueEnd < time) {
+        queueSilence(2 * whole - av_audio_fifo_size(mQueue.get()) % whole);
+        mQueueEnd = std::max(mQueueEnd, std::min(time, mQueueEnd + longest));
+    }
+}
+
+void AudioTranscoder::queueSilence(std::int64_t samples) {
     const FramePtr silence = soundFrame(kSilencePiece);
     av_samples_set_silence(silence->extended_data, 0, kSilencePiece, silence->ch_layout.nb_channels,
                            mEncoder.codec().sample_fmt);
-    for (; gap > 0; gap -= silence->nb_samples) {
-        silence->nb_samples = static_cast<int>(std::min<std::int64_t>(gap, kSilencePiece));
+    for (; samples > 0; samples -= silence->nb_samples) {
+        silence->nb_samples = static_cast<int>(std::min<std::int64_t>(samples, kSilencePiece));
         queue(*silence, 0);
         encodeQueued(false);
     }
+}
+
+int AudioTranscoder::frameSize() const {
+    return mEncoder.codec().frame_size > 0 ? mEncoder.codec().frame_size : 1024;
 }
 
 void AudioTranscoder::followDrift(double gap) {
@@ -223,7 +240,7 @@ void AudioTranscoder::queue(const AVFrame& samples, int skip) {
 }
 
 void AudioTranscoder::encodeQueued(bool isEnd) {
-    const int whole = mEncoder.codec().frame_size > 0 ? mEncoder.codec().frame_size : 1024;
+    const int whole = frameSize();
     for (int queued = av_audio_fifo_size(mQueue.get()); queued >= whole || (isEnd && queued > 0);
          queued = av_audio_fifo_size(mQueue.get())) {
         const FramePtr sound = soundFrame(std::min(queued, whole));

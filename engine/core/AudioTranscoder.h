@@ -30,10 +30,12 @@ private:
     void bridgeTo(std::int64_t time);
     /// `gap` is how many samples the next frame is late, negative when it is early.
     void followDrift(double gap);
+    void queueSilence(std::int64_t samples);
     void queue(const AVFrame& samples, int skip);
     /// Encodes whole frames; at the end also a last, shorter one.
     void encodeQueued(bool isEnd);
     FramePtr soundFrame(int samples) const;
+    int frameSize() const;
 
     Losses& mLosses;
     Encoder mEncoder;

@@ -15,9 +15,9 @@ constexpr Ticks kOverlap = kSecond / 10;
 constexpr Ticks kReordering = 10 * kSecond;
 /// Where times come back sooner, those in between were damaged.
 constexpr Ticks kDamagedSpan = 10 * kSecond;
-/// Where a clock may break, a longer pause is none; elsewhere one of a day.
+/// Where a clock may break, a longer pause is none; elsewhere one that MP4 could hardly hold.
 constexpr Ticks kLongestBreak = 10 * kSecond;
-constexpr Ticks kLongestPause = 24 * 3600 * kSecond;
+constexpr Ticks kLongestPause = 6 * 3600 * kSecond;
 constexpr std::size_t kMostWaiting = 1024;
 constexpr std::size_t kMostKnown = 4;
 
@@ -26,7 +26,7 @@ Ticks between(Ticks from, Ticks to) {
 }
 
 Ticks timeOf(const Stamp& stamp) {
-    // A guess that lies a day off is from before a jump.
+    // A guess that lies hours off is from before a jump.
     const bool isWrong = stamp.isGuessed && stamp.shown != kNoTime && stamp.decoded != kNoTime &&
                          std::abs(between(stamp.decoded, stamp.shown)) > kLongestPause;
     return stamp.decoded == kNoTime || isWrong ? stamp.shown : stamp.decoded;
