@@ -132,7 +132,9 @@ void Timeline::wait(const Stamp& stamp) {
     const Ticks time = timeOf(stamp);
     Lane& lane = mLanes[stamp.lane];
     if (const auto offset = knownOffset(stamp)) {
-        mHasReturned = mHasReturned || (lane.runLast != kNoTime && time < lane.runLast - kOverlap);
+        const Ticks overlap = isOrdered(stamp) ? kOverlap : kReordering;
+        mHasReturned =
+            mHasReturned || (lane.runLast != kNoTime && beginOf(stamp) < lane.runLast - overlap);
         mWaitingFront = std::max(mWaitingFront, addTimes(time, *offset));
         return;
     }
@@ -143,7 +145,7 @@ void Timeline::wait(const Stamp& stamp) {
         const bool isFirst = mBegin == 0 && mKnown.empty();
         const Ticks begin = addTimes(beginOf(stamp), isFirst ? stamp.hidden : 0);
         lane.runBegin = lane.runBegin == kNoTime ? begin : std::min(lane.runBegin, begin);
-        lane.runLast = time;
+        lane.runLast = beginOf(stamp);
     }
 }
 

@@ -49,7 +49,7 @@ private:
         Ticks next = kNoTime; ///< when the next packet is expected
         Ticks offset = kNoTime;
         bool isOrdered = false; ///< the last one's time is that of its decoding
-        // Of its packets that wait and do not fit, on the source's clock.
+        // Of its packets that wait and do not fit, when they are shown on the source's clock.
         Ticks runBegin = kNoTime;
         Ticks runLast = kNoTime;
     };

@@ -113,4 +113,21 @@ TEST(TimelineAtTheBeginning, KeepsPrimingOutOfHearingInTheFirstPartOnly) {
     }
 }
 
+TEST(TimelineOfReorderedPictures, TakesAnEarlierOneForOneInAnotherOrderAndNotForAReturn) {
+    Timeline timeline(0, {AVMEDIA_TYPE_VIDEO}, false);
+    const double shown[] = {0, 1.515, 1.505, 1.5, 1.51};
+    const double decoded[] = {-1, -1, 0, 1.5, 1.505}; // guessed where the container has none
+    for (std::size_t i = 0; i < std::size(shown); ++i) {
+        const auto ticks = [](double time) { return static_cast<Ticks>(time * kTicks.den); };
+        timeline.add({0, decoded[i] < 0 ? kNoTime : ticks(decoded[i]), ticks(shown[i]), 0, true});
+    }
+    while (timeline.hasWaiting()) {
+        timeline.decide();
+    }
+    for (std::size_t i = 0; i < std::size(shown); ++i) {
+        ASSERT_TRUE(timeline.hasOffset());
+        EXPECT_EQ(timeline.takeOffset(), 0) << i;
+    }
+}
+
 } // namespace zelcore::testing
