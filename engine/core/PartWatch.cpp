@@ -11,6 +11,8 @@ namespace {
 
 /// What containers say of a stream's length is a little more or less than its packets' sum.
 constexpr Ticks kToleratedEnd = kTicks.den / 5;
+/// A length beyond a day is itself damaged.
+constexpr Ticks kBelievable = 24 * 3600 * Ticks{kTicks.den};
 
 Ticks stepOf(const AVStream& stream, const AVPacket& packet) {
     if (packet.duration > 0) {
@@ -54,7 +56,7 @@ PartWatch::PartWatch(const Source& source, const std::vector<TrackPlan>& plans, 
     }
 }
 
-bool PartWatch::look(const AVPacket& packet) {
+bool PartWatch::look(AVPacket& packet) {
     if (passesBrokenPlace(packet)) {
         mUntold = mUntold.value_or(mEnd);
         for (Stream& each : mStreams) {
@@ -69,7 +71,7 @@ bool PartWatch::look(const AVPacket& packet) {
     return false;
 }
 
-bool PartWatch::lookAtPlanned(Stream& stream, const AVPacket& packet) {
+bool PartWatch::lookAtPlanned(Stream& stream, AVPacket& packet) {
     if (av_packet_get_side_data(&packet, AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr) {
         throw Failure(ErrorCode::SourceEncrypted,
                       text("Source \"", mSource.path(), "\" is encrypted"));
@@ -77,7 +79,16 @@ bool PartWatch::lookAtPlanned(Stream& stream, const AVPacket& packet) {
     if (stream.check != nullptr) {
         refuseToCopyWhatChanges(stream, packet);
     }
-    const bool isCorrupt = (packet.flags & AV_PKT_FLAG_CORRUPT) != 0;
+    const bool isUntimed = packet.dts == kNoTime && packet.pts == kNoTime;
+    if (isUntimed && stream.check != nullptr) {
+        if (stream.end == kNoTime) {
+            add(stream.stream->codecpar->codec_type, LossCause::Damaged, mSource.start(), 0, 0);
+            return false;
+        }
+        packet.dts = av_rescale_q(stream.end, kTicks, stream.stream->time_base);
+        packet.pts = packet.dts;
+    }
+    const bool isCorrupt = isUntimed || (packet.flags & AV_PKT_FLAG_CORRUPT) != 0;
     const bool isInDoubt = stream.inDoubt > 0 || isCorrupt;
     stream.inDoubt = isCorrupt ? packetsToShowAGap(stream.stream) : std::max(stream.inDoubt - 1, 0);
     // Decoding times rise evenly, presentation times do not.
@@ -169,7 +180,8 @@ void PartWatch::addMissingEnd() {
         const Ticks reached = each.end == kNoTime ? mSource.start() : each.end;
         const Ticks missing = declaredEnd(mSource, *each.stream) - reached;
         if (missing > kToleratedEnd) {
-            add(each.stream->codecpar->codec_type, LossCause::CutShort, reached, missing, 0);
+            add(each.stream->codecpar->codec_type, LossCause::CutShort, reached,
+                missing < kBelievable ? missing : 0, 0);
             isTold = true;
         }
     }

@@ -26,9 +26,9 @@ public:
     PartWatch(const Source& source, const std::vector<TrackPlan>& plans, std::size_t part,
               Ticks offset, Losses& losses);
 
-    /// True when the packet is for its track. Throws NotCopyable, and Failure for what is
-    /// encrypted.
-    bool look(const AVPacket& packet);
+    /// True when the packet is for its track; one that tells no time gets one where it needs it.
+    /// Throws NotCopyable, and Failure for what is encrypted.
+    bool look(AVPacket& packet);
     /// After the part's last packet.
     void end();
 
@@ -36,14 +36,14 @@ private:
     struct Stream {
         const AVStream* stream = nullptr;
         std::size_t track = 0;
-        Ticks end = kNoTime; ///< of its packets so far, on the part's clock
-        int inDoubt = 0; ///< packets to come that may show a gap
+        Ticks end = kNoTime;   ///< of its packets so far, on the part's clock
+        int inDoubt = 0;       ///< packets to come that may show a gap
         bool hasShown = false; ///< a packet that is not to be discarded
         std::unique_ptr<PacketShape> shape{};
         std::unique_ptr<CopyCheck> check{};
     };
 
-    bool lookAtPlanned(Stream& stream, const AVPacket& packet);
+    bool lookAtPlanned(Stream& stream, AVPacket& packet);
     void refuseToCopyWhatChanges(Stream& stream, const AVPacket& packet) const;
     void noteUnplanned(const AVPacket& packet);
     /// A place that was found broken lies between the packet before and this one.

@@ -48,6 +48,12 @@ bool isEncrypted(const AVStream* stream) {
            av_stream_get_side_data(stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
 }
 
+bool isMemoryShort() {
+    constexpr std::size_t kMoreThanAPacket = 64U << 20U;
+    const std::unique_ptr<void, AvFreeObject<av_free>> probe(av_malloc(kMoreThanAPacket));
+    return probe == nullptr;
+}
+
 int isStopRaised(void* stop) {
     return static_cast<const StopFlag*>(stop)->isRaised() ? 1 : 0;
 }
@@ -157,11 +163,11 @@ void Source::openDemuxer() {
         const Complaints::Listening listening(mComplaints, *mDemuxer);
         errno = 0;
         result = avformat_find_stream_info(mDemuxer.get(), nullptr);
-        result = errno == ENOMEM ? AVERROR(ENOMEM) : result;
+        result = errno == ENOMEM && isMemoryShort() ? AVERROR(ENOMEM) : result;
     }
     mStop.throwIfRaised();
     mFile->throwIfUnsound();
-    if (result == AVERROR(ENOMEM)) {
+    if (result == AVERROR(ENOMEM) && isMemoryShort()) {
         throw std::bad_alloc();
     }
     if (result < 0 && lacksIndex(*mFile)) {
@@ -259,9 +265,13 @@ int Source::readOnce(AVPacket& packet) {
     mStop.throwIfRaised();
     errno = 0;
     const int result = av_read_frame(mDemuxer.get(), &packet);
-    // Demuxers take what they have no memory for as damaged, and step over it.
+    // Demuxers take what they have no memory for as damaged, and step over it. But a damaged size
+    // may also ask for more than there ever is.
     if (result == AVERROR(ENOMEM) || errno == ENOMEM) {
-        throw std::bad_alloc();
+        if (isMemoryShort()) {
+            throw std::bad_alloc();
+        }
+        mComplaints.add(avio_tell(mDemuxer->pb));
     }
     if (result < 0 && result != AVERROR_EXIT) {
         mFile->throwIfUnsound();
