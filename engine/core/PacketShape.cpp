@@ -8,12 +8,10 @@ namespace zelcore {
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 /// Sound that is silent may hold some zeros on purpose; the decoder has the last word.
 constexpr std::size_t kHole = 16;
 
-bool hasHole(Bytes bytes) {
+bool hasHole(std::span<const std::uint8_t> bytes) {
     static constexpr std::array<std::uint8_t, kHole> zeros{};
     for (std::size_t at = 0; at + kHole <= bytes.size(); at += kHole) {
         if (bytes[at] == 0 && std::memcmp(bytes.data() + at, zeros.data(), kHole) == 0) {
@@ -28,7 +26,7 @@ bool isUnitCodec(AVCodecID codec) {
 }
 
 /// Where the next start code (00 00 01) begins.
-std::size_t startCode(Bytes bytes) {
+std::size_t placeOfStartCode(std::span<const std::uint8_t> bytes) {
     static constexpr std::array<std::uint8_t, 3> code = {0, 0, 1};
     const auto found = std::ranges::search(bytes, code);
     return static_cast<std::size_t>(found.begin() - bytes.begin());
@@ -110,8 +108,8 @@ PacketShape::Bytes PacketShape::nextUnit(Bytes& rest) const {
     std::size_t begin = mLengthSize;
     std::size_t size = 0;
     if (mLengthSize == 0) {
-        begin = std::min(startCode(rest) + 3, rest.size());
-        size = startCode(rest.subspan(begin));
+        begin = std::min(placeOfStartCode(rest) + 3, rest.size());
+        size = placeOfStartCode(rest.subspan(begin));
     } else if (rest.size() > mLengthSize) {
         for (std::size_t i = 0; i < mLengthSize; ++i) {
             size = size << 8U | rest[i];

@@ -80,11 +80,7 @@ bool PartWatch::lookAtPlanned(Stream& stream, AVPacket& packet) {
         refuseToCopyWhatChanges(stream, packet);
     }
     const bool isUntimed = packet.dts == kNoTime && packet.pts == kNoTime;
-    if (isUntimed && stream.check != nullptr) {
-        if (stream.end == kNoTime) {
-            add(stream.stream->codecpar->codec_type, LossCause::Damaged, mSource.start(), 0, 0);
-            return false;
-        }
+    if (isUntimed && stream.check != nullptr && stream.end != kNoTime) {
         packet.dts = av_rescale_q(stream.end, kTicks, stream.stream->time_base);
         packet.pts = packet.dts;
     }
