@@ -3,8 +3,21 @@
 #include "engine/core/Trace.h"
 
 #include <algorithm>
+#include <span>
 
 namespace zelcore {
+
+namespace {
+
+bool saysColours(const AVCodecParameters& parameters) {
+    return parameters.codec_type == AVMEDIA_TYPE_VIDEO &&
+           (parameters.color_range != AVCOL_RANGE_UNSPECIFIED ||
+            parameters.color_space != AVCOL_SPC_UNSPECIFIED ||
+            parameters.color_primaries != AVCOL_PRI_UNSPECIFIED ||
+            parameters.color_trc != AVCOL_TRC_UNSPECIFIED);
+}
+
+} // namespace
 
 Muxer::Muxer(DestinationFile& file) : mFile(file) {
     AVFormatContext* format = nullptr;
@@ -36,6 +49,11 @@ void Muxer::writeHeader() {
     AVDictionary* options = nullptr;
     // A timecode in the metadata would become a track of its own, which no source has.
     av_dict_set(&options, "write_tmcd", "0", 0);
+    if (std::ranges::any_of(std::span(mFormat->streams, mFormat->nb_streams),
+                            [](const AVStream* each) { return saysColours(*each->codecpar); })) {
+        // By itself the muxer writes them only where all of them are known.
+        av_dict_set(&options, "movflags", "write_colr", 0);
+    }
     const int result = avformat_write_header(mFormat.get(), &options);
     av_dict_free(&options);
     throwIfFailed(result, "begin the MP4 file");
