@@ -9,7 +9,7 @@ namespace zelcore {
 
 namespace {
 
-constexpr std::int64_t kBytesForThreads = 128 << 20;
+constexpr std::int64_t kBytesForThreads = 96 << 20;
 
 /// Each thread holds a picture or two.
 int threadsFor(const AVCodecParameters& parameters) {

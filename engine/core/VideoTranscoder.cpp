@@ -46,6 +46,7 @@ void VideoTranscoder::endPart() {
 }
 
 void VideoTranscoder::finish() {
+    encodeHeld(mLastTime);
     mEncoder.drain();
 }
 
@@ -62,27 +63,27 @@ void VideoTranscoder::encode(AVFrame& picture) {
     }
     // Two may have the same time in the source, whose clock is coarser.
     time = mLastTime == kNoTime ? time : std::max(time, addTimes(mLastTime, 1));
-    const bool isKey = mustBeKey(time);
+    encodeHeld(time);
     mLastTime = time;
-    AVFrame& fitted = mFitter.fit(picture);
-    fitted.pts = time;
-    fitted.pict_type = isKey ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
     const std::int64_t duration = picture.pkt_duration > 0
                                       ? av_rescale_q(picture.pkt_duration, kTicks, base)
                                       : av_rescale_q(1, av_inv_q(mEncoder.codec().framerate), base);
     mLastDuration = std::max<std::int64_t>(duration, 1);
-    mEncoder.encode(fitted, mLastDuration);
+    require(av_frame_ref(mHeld.get(), &mFitter.fit(picture)), "picture");
+    mHeld->pts = time;
 }
 
-bool VideoTranscoder::mustBeKey(std::int64_t time) {
+void VideoTranscoder::encodeHeld(std::int64_t next) {
+    if (mHeld->buf[0] == nullptr) {
+        return;
+    }
     const std::int64_t longest =
         av_rescale_q(kKeyFrameSeconds, av_make_q(1, 1), mEncoder.codec().time_base);
-    // The next picture is taken to come after as long as this one did.
-    if (mLastKey == kNoTime || addTimes(time, time - mLastTime) - mLastKey > longest) {
-        mLastKey = time;
-        return true;
-    }
-    return false;
+    const bool isKey = mLastKey == kNoTime || next - mLastKey > longest;
+    mLastKey = isKey ? mHeld->pts : mLastKey;
+    mHeld->pict_type = isKey ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
+    mEncoder.encode(*mHeld, mLastDuration);
+    av_frame_unref(mHeld.get());
 }
 
 } // namespace zelcore

@@ -22,9 +22,9 @@ public:
 
 private:
     void encode(AVFrame& picture);
-    /// Whether the picture that comes at this time begins anew, because the next one comes too late
-    /// for it.
-    bool mustBeKey(std::int64_t time);
+    /// `next` is when the picture after the one held comes: it is a key frame when the next one
+    /// would be too far from the last.
+    void encodeHeld(std::int64_t next);
 
     Losses& mLosses;
     Canvas mCanvas;
@@ -33,9 +33,10 @@ private:
     Encoder mEncoder;
     PictureFitter mFitter;
     std::optional<Decoder> mDecoder;
+    FramePtr mHeld = makeFrame();     ///< fitted, until the next one's time is known
     std::int64_t mLastTime = kNoTime; ///< in the encoder's clock
-    std::int64_t mLastDuration = 0;
-    std::int64_t mLastKey = kNoTime; ///< as far as this class asked for it
+    std::int64_t mLastDuration = 0;   ///< of the picture held, in the same
+    std::int64_t mLastKey = kNoTime;  ///< as far as this class asked for it
 };
 
 } // namespace zelcore
