@@ -6,14 +6,14 @@ namespace zelcore {
 
 namespace {
 
-constexpr int kBufferSize = 256 * 1024;
+constexpr int kInputBuffer = 256 * 1024;
 
 } // namespace
 
 FileInput::FileInput(const OsFile& file, std::uint64_t size, const StopFlag& stop)
     : mFile(file), mSize(size), mStop(stop) {
-    auto* buffer = static_cast<unsigned char*>(av_mallocz(kBufferSize));
-    mIo.reset(avio_alloc_context(buffer, kBufferSize, 0, this, &onRead, nullptr, &onSeek));
+    auto* buffer = static_cast<unsigned char*>(av_mallocz(kInputBuffer));
+    mIo.reset(avio_alloc_context(buffer, kInputBuffer, 0, this, &onRead, nullptr, &onSeek));
     if (mIo == nullptr) {
         av_free(buffer);
         throw std::bad_alloc();

@@ -1,6 +1,6 @@
 #include "engine/core/IndexCheck.h"
 
-#include "engine/core/Failure.h"
+#include "engine/core/FinishedFileFault.h"
 
 #include <algorithm>
 #include <span>
@@ -13,15 +13,10 @@ namespace {
 constexpr std::int64_t kStartTolerance = 2 * kTicks.den / 1000;
 
 template <class Value>
-void expect(const char* what, const Value& wanted, const Value& found) {
+void expectSame(const char* what, const Value& wanted, const Value& found) {
     if (wanted != found) {
-        throw Failure(ErrorCode::VerificationFailed,
-                      text("The finished file has ", what, " ", found, " instead of ", wanted));
+        throwFinishedFileFault(text("has ", what, " ", found, " instead of ", wanted));
     }
-}
-
-[[noreturn]] void refuse(const std::string& why) {
-    throw Failure(ErrorCode::VerificationFailed, "The finished file " + why);
 }
 
 /// The same bytes, or for a byte stream each of its units, which the muxer lays out anew.
@@ -61,7 +56,7 @@ DemuxerPtr openFinished(FileInput& input) {
     const int result = avformat_open_input(&demuxer, "", nullptr, &options);
     av_dict_free(&options);
     if (result < 0) {
-        refuse("cannot be opened: " + ffmpegErrorText(result));
+        throwFinishedFileFault("cannot be opened: " + ffmpegErrorText(result));
     }
     return DemuxerPtr(demuxer);
 }
@@ -75,7 +70,7 @@ IndexCheck::IndexCheck(const OsFile& file, std::uint64_t size,
             mTracks.push_back(&track);
         }
     }
-    expect("tracks", mTracks.size(), static_cast<std::size_t>(mDemuxer->nb_streams));
+    expectSame("tracks", mTracks.size(), static_cast<std::size_t>(mDemuxer->nb_streams));
     for (std::size_t i = 0; i < mTracks.size(); ++i) {
         compareTrack(*mDemuxer->streams[i], *mTracks[i]);
     }
@@ -83,21 +78,21 @@ IndexCheck::IndexCheck(const OsFile& file, std::uint64_t size,
 
 void IndexCheck::compareTrack(const AVStream& stream, const WrittenTrack& track) const {
     const AVCodecParameters& found = *stream.codecpar;
-    expect("a track of type", static_cast<int>(track.type), static_cast<int>(found.codec_type));
-    expect("a track of codec", static_cast<int>(track.codec), static_cast<int>(found.codec_id));
+    expectSame("a track of type", static_cast<int>(track.type), static_cast<int>(found.codec_type));
+    expectSame("a track of codec", static_cast<int>(track.codec), static_cast<int>(found.codec_id));
     if (track.type == AVMEDIA_TYPE_VIDEO) {
-        expect("a width of", track.width, found.width);
-        expect("a height of", track.height, found.height);
+        expectSame("a width of", track.width, found.width);
+        expectSame("a height of", track.height, found.height);
     } else if (track.codec == AV_CODEC_ID_AAC) {
-        expect("a sample rate of", track.sampleRate, found.sample_rate);
+        expectSame("a sample rate of", track.sampleRate, found.sample_rate);
     }
-    expect("packets", track.packets, stream.nb_frames);
-    expect("packets in its index", track.packets,
-           std::int64_t{avformat_index_get_entries_count(&stream)});
-    expect("a clock of", track.timeBase.den, stream.time_base.den);
-    expect("a duration of", track.duration(), stream.duration);
+    expectSame("packets", track.packets, stream.nb_frames);
+    expectSame("packets in its index", track.packets,
+               std::int64_t{avformat_index_get_entries_count(&stream)});
+    expectSame("a clock of", track.timeBase.den, stream.time_base.den);
+    expectSame("a duration of", track.duration(), stream.duration);
     if (!isDecoderData({found.extradata, static_cast<std::size_t>(found.extradata_size)}, track)) {
-        refuse("has other decoder data than was written");
+        throwFinishedFileFault("has other decoder data than was written");
     }
 }
 
@@ -115,7 +110,8 @@ std::vector<StoredSample> IndexCheck::samples(std::uint64_t end) const {
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const std::uint64_t next = i + 1 < samples.size() ? samples[i + 1].position : end;
         if (samples[i].position + samples[i].size != next) {
-            refuse(text("has a hole or an overlap behind its packet at ", samples[i].position));
+            throwFinishedFileFault(
+                text("has a hole or an overlap behind its packet at ", samples[i].position));
         }
     }
     return samples;
@@ -153,14 +149,15 @@ void IndexCheck::compareTimes() {
     mStop.throwIfRaised();
     for (std::size_t i = 0; i < all.size(); ++i) {
         const WrittenTrack& track = *mTracks[i];
-        expect("packets with a time", track.packets, all[i].packets);
+        expectSame("packets with a time", track.packets, all[i].packets);
         if (track.times != all[i].times) {
-            refuse(text("has other times, sizes or key frames in track ", i, " than were written"));
+            throwFinishedFileFault(
+                text("has other times, sizes or key frames in track ", i, " than were written"));
         }
         const std::int64_t shift = all[i].firstPts - track.firstPts;
         if (std::abs(toTicks(shift, track.timeBase)) > kStartTolerance) {
-            refuse(text("begins track ", i, " ", toSeconds(toTicks(shift, track.timeBase)),
-                        " s late"));
+            throwFinishedFileFault(text("begins track ", i, " ",
+                                        toSeconds(toTicks(shift, track.timeBase)), " s late"));
         }
     }
 }

@@ -1,7 +1,7 @@
 #include "engine/core/PacketCheck.h"
 
 #include "engine/core/ContentHash.h"
-#include "engine/core/Failure.h"
+#include "engine/core/FinishedFileFault.h"
 #include "engine/platform/OsPath.h"
 
 #include <algorithm>
@@ -21,24 +21,22 @@ constexpr std::uint64_t kChunk = 4 * 1024 * 1024;
 // Up to here the disk is waited for: the whole file comes from it.
 constexpr std::size_t kSmallFile = 4;
 
-struct AlignedDelete {
-    void operator()(std::uint8_t* memory) const {
-        ::operator delete (memory, std::align_val_t{kAlignment});
-    }
-};
-
-using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
-
-AlignedBytes alignedBytes(std::size_t size) {
-    return AlignedBytes(
-        static_cast<std::uint8_t*>(::operator new (size, std::align_val_t{kAlignment})));
-}
-
 } // namespace
 
 /// A window over the file that moves forward.
 class PacketCheck::Reader {
 public:
+    struct AlignedDelete {
+        void operator()(std::uint8_t* memory) const {
+            ::operator delete (memory, std::align_val_t{kAlignment});
+        }
+    };
+    using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
+    static AlignedBytes alignedBytes(std::size_t size) {
+        return AlignedBytes(
+            static_cast<std::uint8_t*>(::operator new (size, std::align_val_t{kAlignment})));
+    }
+
     Reader(const OsFile& file, std::size_t size)
         : mFile(file), mSize(size), mBytes(alignedBytes(size)) {}
 
@@ -68,12 +66,11 @@ private:
         int error = 0;
         const std::int64_t got = mFile.readAt(mBegin, mBytes.get(), mSize, error);
         if (got < 0) {
-            throw Failure(ErrorCode::VerificationFailed,
-                          text("The finished file cannot be read: ", systemErrorText(error)));
+            throwFinishedFileFault("cannot be read: " + systemErrorText(error));
         }
         mEnd = mBegin + static_cast<std::uint64_t>(got);
         if (position >= mEnd) {
-            throw Failure(ErrorCode::VerificationFailed, "The finished file is cut short");
+            throwFinishedFileFault("is cut short");
         }
     }
 
@@ -110,7 +107,7 @@ void PacketCheck::openPastCache(const std::string& path) {
     }
     // Some file systems say only now that they have no such thing.
     int error = 0;
-    const AlignedBytes first = alignedBytes(kAlignment);
+    const auto first = Reader::alignedBytes(kAlignment);
     if (mPastCache.readAt(0, first.get(), kAlignment, error) < 0) {
         mPastCache.close();
     }
@@ -159,9 +156,8 @@ void PacketCheck::checkNext(Reader& reader, std::size_t chunk) const {
     for (std::size_t i = mChunks[chunk]; i < end && !mIsEnding && !mStop.isRaised(); ++i) {
         const StoredSample& sample = mSamples[i];
         if (reader.hashOf(sample) != sample.hash) {
-            throw Failure(ErrorCode::VerificationFailed,
-                          text("The finished file's packet at ", sample.position,
-                               " is not what was written there"));
+            throwFinishedFileFault(
+                text("has another packet at ", sample.position, " than was written there"));
         }
     }
 }

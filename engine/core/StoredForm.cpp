@@ -26,7 +26,7 @@ std::size_t startCode(Bytes bytes) {
 }
 
 /// What decides is the decoder data, or in its place the first packet.
-bool isByteStream(AVCodecID codec, Bytes bytes) {
+bool comesAsByteStream(AVCodecID codec, Bytes bytes) {
     if (codec == AV_CODEC_ID_H264) {
         return !bytes.empty() && bytes[0] != 1;
     }
@@ -58,7 +58,7 @@ bool ByteStreamUnits::next(Bytes& unit) {
 StoredForm::StoredForm(const AVCodecParameters& parameters) : mCodec(parameters.codec_id) {
     if (parameters.extradata_size > 0) {
         mIsKnown = true;
-        mIsByteStream = isByteStream(
+        mIsByteStream = comesAsByteStream(
             mCodec, {parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)});
     }
 }
@@ -66,7 +66,7 @@ StoredForm::StoredForm(const AVCodecParameters& parameters) : mCodec(parameters.
 StoredPacket StoredForm::of(Bytes packet) {
     if (!mIsKnown) {
         mIsKnown = true;
-        mIsByteStream = isByteStream(mCodec, packet);
+        mIsByteStream = comesAsByteStream(mCodec, packet);
     }
     return mIsByteStream ? ofByteStream(packet)
                          : StoredPacket{hashOf(packet.data(), packet.size()),

@@ -1,7 +1,7 @@
 #include "engine/core/Verifier.h"
 
 #include "engine/core/DecodingCheck.h"
-#include "engine/core/Failure.h"
+#include "engine/core/FinishedFileFault.h"
 #include "engine/core/IndexCheck.h"
 
 #include <algorithm>
@@ -10,10 +10,6 @@
 namespace zelcore {
 
 namespace {
-
-[[noreturn]] void refuse(const std::string& why) {
-    throw Failure(ErrorCode::VerificationFailed, "The finished file " + why);
-}
 
 /// Calls `use` with each piece of a range of the file.
 template <class Use>
@@ -26,7 +22,8 @@ void readAll(const OsFile& file, std::uint64_t begin, std::uint64_t end, const S
         const std::int64_t got = file.readAt(
             begin, buffer.data(), std::min<std::size_t>(buffer.size(), end - begin), error);
         if (got <= 0) {
-            refuse(got < 0 ? "cannot be read: " + systemErrorText(error) : "is cut short");
+            throwFinishedFileFault(got < 0 ? "cannot be read: " + systemErrorText(error)
+                                           : "is cut short");
         }
         use(std::span(buffer).first(static_cast<std::size_t>(got)));
         begin += static_cast<std::uint64_t>(got);
@@ -38,12 +35,12 @@ void compareFrame(const OsFile& file, const FrameDigest& frame, std::uint64_t fi
                   std::uint64_t size, const StopFlag& stop) {
     const auto head = std::span(frame.head());
     if (!frame.isCertain() || firstPacket > head.size()) {
-        refuse("was not written as expected");
+        throwFinishedFileFault("was not written as expected");
     }
     std::size_t at = 0;
     readAll(file, 0, firstPacket, stop, [&](std::span<const std::uint8_t> bytes) {
         if (!std::ranges::equal(bytes, head.subspan(at, bytes.size()))) {
-            refuse("begins in another way than was written");
+            throwFinishedFileFault("begins in another way than was written");
         }
         at += bytes.size();
     });
@@ -51,7 +48,7 @@ void compareFrame(const OsFile& file, const FrameDigest& frame, std::uint64_t fi
     readAll(file, frame.indexBegin(), size, stop,
             [&](std::span<const std::uint8_t> bytes) { hash.add(bytes.data(), bytes.size()); });
     if (hash.value() != frame.indexHash()) {
-        refuse("has another index than was written");
+        throwFinishedFileFault("has another index than was written");
     }
 }
 
@@ -65,10 +62,10 @@ void verify(const DestinationFile& destination, const std::vector<WrittenTrack>&
     FileState state;
     if (const int error = OsFile::openForReading(destination.temporaryPath(), file);
         error != 0 || file.state(state) != 0) {
-        refuse("cannot be opened: " + systemErrorText(error));
+        throwFinishedFileFault("cannot be opened: " + systemErrorText(error));
     }
     if (state.size != size) {
-        refuse(text("has ", state.size, " bytes instead of ", size));
+        throwFinishedFileFault(text("has ", state.size, " bytes instead of ", size));
     }
     IndexCheck index(file, size, written, stop);
     std::vector<StoredSample> samples = index.samples(frame.indexBegin());
@@ -79,7 +76,7 @@ void verify(const DestinationFile& destination, const std::vector<WrittenTrack>&
     packets.finish();
     decodeHereAndThere(file, size, written, stop);
     if (FileState now; file.state(now) != 0 || now != state) {
-        refuse("changed while it was compared");
+        throwFinishedFileFault("changed while it was compared");
     }
 }
 
