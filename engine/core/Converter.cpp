@@ -1,5 +1,6 @@
 #include "engine/core/Converter.h"
 
+#include "engine/core/Ending.h"
 #include "engine/core/JobRegistry.h"
 #include "engine/core/Trace.h"
 #include "zel/EngineContract.h"
@@ -15,6 +16,9 @@ namespace {
 constexpr std::uint64_t kMostSources = 10'000;
 
 std::int32_t refuse(ErrorCode code, const char* why) {
+    if (code != ErrorCode::Busy) {
+        keepEnding({static_cast<std::int32_t>(code), why});
+    }
     trace(TraceLevel::Error, text("Error ", static_cast<std::int32_t>(code), ": ", why));
     return static_cast<std::int32_t>(code);
 }
@@ -56,8 +60,9 @@ std::int32_t Converter::start(const char* const* sources, std::uint64_t count,
     }
     mJob = std::make_shared<ConversionJob>(std::vector<std::string>(sources, sources + count),
                                            destination, &mSink);
-    return registry.start(mJob) ? zel::kZelSuccess
-                                : static_cast<std::int32_t>(ErrorCode::InternalError);
+    return registry.start(mJob)
+               ? zel::kZelSuccess
+               : refuse(ErrorCode::InternalError, "There is no thread for the conversion");
 }
 
 } // namespace zelcore
