@@ -42,9 +42,9 @@ public slots:
     void close() { calls << "close"; }
 };
 
-/// Waits for a condition while events run; false after five seconds.
+/// Waits for a condition while events run; false after a minute.
 bool waitFor(const auto& condition) {
-    return QTest::qWaitFor(condition, 5000);
+    return QTest::qWaitFor(condition, 60000);
 }
 
 /// The real window with a stub controller. A warning of Qt's while it lives fails the test.
@@ -67,7 +67,7 @@ public:
         }
         window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
         window->requestActivate();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window, 60000));
     }
     ~Toast() {
         qInstallMessageHandler(nullptr);
