@@ -25,7 +25,7 @@ lint_shell() {
 
 lint_python() {
     sources '*.py' | xargs -r black --check --quiet --diff --line-length=100
-    sources '*.py' | xargs -r flake8 --max-line-length=100
+    sources '*.py' | xargs -r flake8 --max-line-length=100 --extend-ignore=E203
 }
 
 # How much there is of the tests for the product that they test.

@@ -1,5 +1,4 @@
 #include "engine/EngineUnderTest.h"
-#include "engine/MediaProbe.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -41,6 +40,7 @@ TEST_F(LinuxFaults, PipesAndDevicesAreNeitherReadNorReplaced) {
 TEST_F(LinuxFaults, ASourceOrFolderThatChangesMeanwhileIsAnErrorAndARemovedSourceIsReadToItsEnd) {
     const std::string source = folder / "source.webm";
     const std::string away = folder.makeFolder("away");
+    ASSERT_NO_FATAL_FAILURE(convert({recording("long.webm")}, destination));
     const std::pair<std::int32_t, std::function<int()>> cases[] = {
         {20008, [&] { return ::truncate(source.c_str(), 900'000); }},
         {20008, [&] { return ::truncate(source.c_str(), 9'000'000); }},
@@ -68,7 +68,7 @@ TEST_F(LinuxFaults, ASourceOrFolderThatChangesMeanwhileIsAnErrorAndARemovedSourc
             EXPECT_FALSE(tarn::platform::fileDetails(to));
         } else {
             EXPECT_THAT(sink.errors, IsEmpty());
-            EXPECT_EQ(probe(to).at(0).decoded, 300U);
+            EXPECT_EQ(readFile(to), readFile(destination));
             ::unlink(to.c_str());
         }
         const auto left = tarn::platform::listFolder(away);
