@@ -135,6 +135,7 @@ void Source::open() {
 }
 
 void Source::close() {
+    mBlockTimes.reset();
     mDemuxer.reset();
     mFile.reset();
 }
@@ -186,6 +187,7 @@ void Source::openDemuxer() {
         throw Failure(ErrorCode::NotARecording,
                       text("Source \"", mPath, "\" is no recording: ", ffmpegErrorText(result)));
     }
+    mBlockTimes.emplace(*mFile, std::strstr(mDemuxer->iformat->name, "matroska") != nullptr);
 }
 
 bool Source::isWanted(const AVStream& stream) const {
@@ -238,6 +240,7 @@ bool Source::read(AVPacket& packet) {
         const std::int64_t before = avio_tell(mDemuxer->pb);
         const int result = readOnce(packet);
         if (result >= 0) {
+            mBlockTimes->restore(packet, *mDemuxer->streams[packet.stream_index]);
             if (mSkippedFrom) {
                 mComplaints.add(static_cast<std::int64_t>(*mSkippedFrom));
                 mSkippedFrom.reset();

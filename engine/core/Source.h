@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/BlockTimes.h"
 #include "engine/core/Complaints.h"
 #include "engine/core/SourceFile.h"
 
@@ -71,6 +72,7 @@ private:
     MuxerPtr mKnown;                   ///< never muxes: what was found, without the demuxer
     std::unique_ptr<SourceFile> mFile; ///< before the demuxer, which reads from it until it closes
     DemuxerPtr mDemuxer;
+    std::optional<BlockTimes> mBlockTimes; ///< of an open source
     Complaints mComplaints;
     std::optional<std::uint64_t> mSkippedFrom; ///< nothing was recognised from here on
     std::uint64_t mDeclaredEnd = 0;

@@ -80,6 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"late start", false, {{0, 5, 1000}}},
         {"start before zero", false, {{0, 5, -1.6}}},
         {"sound alone", false, {{0, 5, -1.6, "a"}, {5, 9, -6.6, "a"}}},
+        {"sound that repeats itself", false, {{0, 4, 0, "a"}, {3.5, 7.5, 0, "a"}}},
         {"restart", false, {{0, 5, 2}, {5, 10, -5}, {10, 15, -10}}},
         {"restart soon", true, {{0, 0.5, 1}, {0.5, 3, 0.3}}},
         {"sound comes later", false, {{0, 5, 0, "v"}, {5, 6, 0}, {6, 9, -6}}},
@@ -115,8 +116,8 @@ TEST(TimelineAtTheBeginning, KeepsPrimingOutOfHearingInTheFirstPartOnly) {
 
 TEST(TimelineOfReorderedPictures, TakesAnEarlierOneForOneInAnotherOrderAndNotForAReturn) {
     Timeline timeline(0, {AVMEDIA_TYPE_VIDEO}, false);
-    const double shown[] = {0, 1.515, 1.505, 1.5, 1.51};
-    const double decoded[] = {-1, -1, 0, 1.5, 1.505}; // guessed where the container has none
+    const double shown[] = {0, 2.4, 2, 1.5, 2.2};
+    const double decoded[] = {-1, -1, 0, 1.5, 2}; // guessed where the container has none
     for (std::size_t i = 0; i < std::size(shown); ++i) {
         const auto ticks = [](double time) { return static_cast<Ticks>(time * kTicks.den); };
         timeline.add({0, decoded[i] < 0 ? kNoTime : ticks(decoded[i]), ticks(shown[i]), 0, true});
