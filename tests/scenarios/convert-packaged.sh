@@ -43,7 +43,7 @@ expect() {
     local found
     found=$(ffprobe -v error -show_entries stream=codec_name:format=duration -of csv=p=0 "$1" |
         tr '\n' ' ')
-    [[ $found =~ ^"$2 "(1.9|2.[01]) ]] || fail "$1: $found instead of $2 and two seconds"
+    [[ $found =~ ^"$2 "(3.9|4.[01]) ]] || fail "$1: $found instead of $2 and four seconds"
 }
 
 source="$folder/会議 $user.webm"

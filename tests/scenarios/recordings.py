@@ -222,8 +222,9 @@ class Limits(Case):
                     run = self.limited(f"--as={megabytes}000000", make(name), self.destination)
                     if run.status == 2:  # not even the libraries can be loaded
                         continue
-                    self.assertIn(run.status, (0, 1), run)
-                    self.assert_left(*["out.mp4"] * (run.status == 0))
+                    # 3: what a demuxer had no memory for may pass as damage, and is told as a loss
+                    self.assertIn(run.status, (0, 1, 3), run)
+                    self.assert_left(*["out.mp4"] * (run.status != 1))
                     if run.status == 0:
                         made = oracle.look(self.destination)
                         self.assertFalse(comparison.differences(look((name,)), made))
