@@ -33,7 +33,10 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
         throw std::bad_alloc();
     }
     require(avcodec_parameters_copy(stream->codecpar, &parameters), "track parameters");
-    stream->codecpar->codec_tag = 0; // the source container's, the muxer chooses its own
+    // Not the source container's: the muxer chooses its own. By itself it would choose the one for
+    // HEVC with decoder data among its pictures, which some players refuse.
+    stream->codecpar->codec_tag =
+        parameters.codec_id == AV_CODEC_ID_HEVC ? MKTAG('h', 'v', 'c', '1') : 0;
     stream->time_base = timeBase;
     mWritten.emplace_back(parameters);
     Lane& lane = mLanes.emplace_back(Extent(parameters.codec_type));

@@ -25,6 +25,8 @@ TABLE = """
 * h264_aac_flv       h264-aac.flv         copied=va
   h264_aac_ts        h264-aac.ts
   live_mkv           live.mkv             copied=va
+* hevc               hevc.mkv             copied=v
+  hevc_ts            hevc.ts
 * vp8_vorbis         vp8-vorbis.webm
 * vp9_opus           vp9-opus.webm
   av1_opus           av1-opus.webm
@@ -56,6 +58,7 @@ TABLE = """
   cluster_late       cluster-late.webm    seams=2 truth=clusters.webm
   cluster_early      cluster-early.webm   seams=2 truth=clusters.webm
   wrap_ts            wrap.ts
+* negative_mkv       negative.mkv         copied=va truth=h264-aac.mkv
   gap_in_sound       gap.mkv
   overlapping_sound  overlap.flv
   drifting_sound     drift.mkv
@@ -78,6 +81,7 @@ TABLE = """
   turned_mjpeg       sideways-mjpeg.mov
   pixel_aspect       anamorphic.mp4       copied=va
   pixel_aspect_vp8   anamorphic.webm
+  grows              grows.webm           size=640x360
 
 # Sounds, languages, chapters, subtitles, covers, tags
   mono               sound-mono.mka
@@ -228,6 +232,16 @@ class Limits(Case):
                     if run.status == 0:
                         made = oracle.look(self.destination)
                         self.assertFalse(comparison.differences(look((name,)), made))
+
+    def test_three_thousand_parts_need_little_memory(self):
+        part, count = make("tiny.mkv"), 3000
+        for number in range(count):
+            (self.folder / f"{number}.mkv").symlink_to(part)
+        parts = [f"{number}.mkv" for number in range(count)]
+        run = self.limited("--as=1000000000", *parts, self.destination)
+        self.assertEqual(run.status, 0, run)
+        packets = oracle.probe(self.destination)["packets"]
+        self.assertEqual(len(packets), count * 3)
 
     def test_jumps_of_a_day_cost_seconds(self):
         for name in "jump.mkv", "days.mkv":
