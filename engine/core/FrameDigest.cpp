@@ -18,15 +18,13 @@ void FrameDigest::note(std::uint64_t position, std::span<const std::uint8_t> byt
         mHead.resize(std::max<std::size_t>(mHead.size(), position + size));
         std::copy_n(bytes.begin(), size, mHead.begin() + static_cast<std::ptrdiff_t>(position));
     }
-    const bool isMended = end <= mEnd;
-    if (isMended ? end > kHeadSize : position != mEnd) {
+    if (position >= mIndexBegin) {
+        // The muxer puts the size of each part of the index in its place afterwards.
+        const auto at = static_cast<std::size_t>(position - mIndexBegin);
+        mIndex.resize(std::max<std::size_t>(mIndex.size(), at + bytes.size()));
+        std::ranges::copy(bytes, mIndex.begin() + static_cast<std::ptrdiff_t>(at));
+    } else if (end <= mEnd ? end > kHeadSize : position != mEnd) {
         mIsCertain = false;
-    }
-    if (end > mIndexBegin) {
-        if (position < mIndexBegin) {
-            bytes = bytes.subspan(static_cast<std::size_t>(mIndexBegin - position));
-        }
-        mIndex.add(bytes.data(), bytes.size());
     }
     mEnd = std::max(mEnd, end);
 }

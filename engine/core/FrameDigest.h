@@ -1,7 +1,5 @@
 #pragma once
 
-#include "engine/core/ContentHash.h"
-
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -20,13 +18,13 @@ public:
     std::uint64_t indexBegin() const { return mIndexBegin; }
     /// The file's first bytes.
     const std::vector<std::uint8_t>& head() const { return mHead; }
-    std::uint64_t indexHash() const { return mIndex.value(); }
+    const std::vector<std::uint8_t>& index() const { return mIndex; }
     /// False when something was written that neither tells: then nobody can vouch for the file.
     bool isCertain() const { return mIsCertain; }
 
 private:
     std::vector<std::uint8_t> mHead;
-    RunningHash mIndex;
+    std::vector<std::uint8_t> mIndex;
     std::uint64_t mIndexBegin = UINT64_MAX;
     std::uint64_t mEnd = 0;
     bool mIsCertain = true;
