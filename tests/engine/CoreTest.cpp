@@ -149,6 +149,29 @@ TEST_F(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
     EXPECT_TRUE(isPassed(mContent));
 }
 
+TEST_F(Verification, PassesAnIndexThatIsMendedOnTheDisk) {
+    DestinationFile file(mFolder / "long.mp4", {}, mStop);
+    Muxer muxer(file);
+    const auto sound = owned<ParametersPtr>(avcodec_parameters_alloc());
+    sound->codec_type = AVMEDIA_TYPE_AUDIO;
+    sound->codec_id = AV_CODEC_ID_MP3;
+    sound->sample_rate = 48000;
+    av_channel_layout_default(&sound->ch_layout, 2);
+    muxer.addTrack(*sound, {1, 48000});
+    muxer.writeHeader();
+    const PacketPtr packet = makePacket();
+    for (int i = 0; i < 100'000; ++i) {
+        require(av_new_packet(packet.get(), 1 + i % 99), "packet");
+        std::fill_n(packet->data, packet->size, static_cast<std::uint8_t>(i));
+        packet->pts = std::int64_t{i} * 1152 + i % 7;
+        packet->duration = 1152;
+        muxer.write(0, *packet, {1, 48000});
+    }
+    muxer.finish();
+    file.closeDurably();
+    EXPECT_NO_THROW(verify(file, muxer.takeWritten(), mStop));
+}
+
 TEST_F(Verification, NoticesAFileThatIsNotWhatWentIntoTheMuxer) {
     void (*const lies[])(std::vector<WrittenTrack>&) = {
         [](auto& tracks) { tracks.pop_back(); },
