@@ -48,8 +48,6 @@ void PrintTo(const TimelineCase& each, std::ostream* out) {
     *out << each.name;
 }
 
-} // namespace
-
 class TimelineOf : public ::testing::TestWithParam<TimelineCase> {};
 
 TEST_P(TimelineOf, PutsEveryPacketWhereItBelongs) {
@@ -130,5 +128,7 @@ TEST(TimelineOfReorderedPictures, TakesAnEarlierOneForOneInAnotherOrderAndNotFor
         EXPECT_EQ(timeline.takeOffset(), 0) << i;
     }
 }
+
+} // namespace
 
 } // namespace zelcore::testing
