@@ -85,7 +85,7 @@ void ConversionJob::convert() {
     Progress progress([this](float percent) {
         mSink.call([percent](zel::IZelMediaConverterSink& sink) { sink.OnProgress(percent); });
     });
-    std::vector<WrittenTrack> written;
+    WrittenFile written;
     const auto beginAnew = [&] {
         mLosses = {};
         std::ranges::for_each(sources, &Source::close, [](const auto& each) -> Source& {
@@ -94,7 +94,7 @@ void ConversionJob::convert() {
         destination.reset();
         destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
     };
-    while (written.empty()) {
+    while (written.tracks.empty()) {
         try {
             written = write(sources, plans, *destination, progress);
         } catch (const NotCopyable& found) {
@@ -123,9 +123,8 @@ void ConversionJob::convert() {
     progress.complete();
 }
 
-std::vector<WrittenTrack> ConversionJob::write(const Sources& sources,
-                                               const std::vector<TrackPlan>& plans,
-                                               DestinationFile& destination, Progress& progress) {
+WrittenFile ConversionJob::write(const Sources& sources, const std::vector<TrackPlan>& plans,
+                                 DestinationFile& destination, Progress& progress) {
     Muxer muxer(destination);
     muxer.copyMetadata(sources.front()->format());
     std::vector<std::unique_ptr<Track>> tracks;
@@ -133,10 +132,12 @@ std::vector<WrittenTrack> ConversionJob::write(const Sources& sources,
         tracks.push_back(makeTrack(plan, muxer, mLosses));
     }
     muxer.writeHeader();
-    PartJoiner(sources, plans, tracks, mLosses, mStop, progress).run();
+    PartJoiner joiner(sources, plans, tracks, mLosses, mStop, progress);
+    joiner.run();
+    muxer.setChapters(joiner.takeChapters());
     muxer.finish();
-    std::vector<WrittenTrack> written = muxer.takeWritten();
-    if (std::ranges::all_of(written, [](const auto& track) { return track.packets == 0; })) {
+    WrittenFile written = muxer.takeWritten();
+    if (std::ranges::all_of(written.tracks, [](const auto& track) { return track.packets == 0; })) {
         throw mLosses.isEmpty()
             ? Failure(ErrorCode::NothingToConvert, "The sources hold neither sound nor picture")
             : Failure(ErrorCode::SourceDamaged, mLosses.sentence());

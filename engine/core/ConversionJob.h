@@ -31,8 +31,8 @@ public:
 private:
     void convert();
     /// Everything up to the finished file; throws NotCopyable when another plan is needed.
-    std::vector<WrittenTrack> write(const Sources& sources, const std::vector<TrackPlan>& plans,
-                                    DestinationFile& destination, Progress& progress);
+    WrittenFile write(const Sources& sources, const std::vector<TrackPlan>& plans,
+                      DestinationFile& destination, Progress& progress);
     /// Throws when content is missing and the caller has not accepted that.
     void settleLosses();
     void report(ErrorCode code, const char* why) noexcept;

@@ -61,18 +61,34 @@ DemuxerPtr openFinished(FileInput& input) {
     return DemuxerPtr(demuxer);
 }
 
-IndexCheck::IndexCheck(const OsFile& file, std::uint64_t size,
-                       const std::vector<WrittenTrack>& written, const StopFlag& stop)
+IndexCheck::IndexCheck(const OsFile& file, std::uint64_t size, const WrittenFile& written,
+                       const StopFlag& stop)
     : mInput(file, size, stop), mStop(stop), mDemuxer(openFinished(mInput)) {
     // A track that got no packet, as of a microphone that was muted all along, is not in the file.
-    for (const WrittenTrack& track : written) {
+    for (const WrittenTrack& track : written.tracks) {
         if (track.packets > 0) {
             mTracks.push_back(&track);
         }
     }
-    expectSame("tracks", mTracks.size(), static_cast<std::size_t>(mDemuxer->nb_streams));
+    // The names of chapters are a track of their own, behind the others.
+    const std::size_t ofChapters = written.chapters.empty() ? 0 : 1;
+    expectSame("tracks", mTracks.size() + ofChapters,
+               static_cast<std::size_t>(mDemuxer->nb_streams));
     for (std::size_t i = 0; i < mTracks.size(); ++i) {
         compareTrack(*mDemuxer->streams[i], *mTracks[i]);
+    }
+    compareChapters(written.chapters);
+}
+
+void IndexCheck::compareChapters(const std::vector<Chapter>& written) const {
+    const std::vector<Chapter> found = chaptersOf(*mDemuxer);
+    expectSame("chapters", written.size(), found.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        expectSame("a chapter named", written[i].title, found[i].title);
+        if (std::abs(found[i].begin - written[i].begin) > kStartTolerance) {
+            throwFinishedFileFault(
+                text("has the chapter \"", found[i].title, "\" at another time"));
+        }
     }
 }
 
@@ -126,7 +142,7 @@ void IndexCheck::compareTimes() {
     };
     std::vector<Found> all(mTracks.size());
     std::uint64_t first = UINT64_MAX;
-    for (unsigned i = 0; i < mDemuxer->nb_streams; ++i) {
+    for (std::size_t i = 0; i < mTracks.size(); ++i) {
         const AVIndexEntry& entry = *avformat_index_get_entry(mDemuxer->streams[i], 0);
         first = std::min(first, static_cast<std::uint64_t>(entry.pos));
     }
@@ -134,7 +150,11 @@ void IndexCheck::compareTimes() {
     const PacketPtr packet = makePacket();
     while (av_read_frame(mDemuxer.get(), packet.get()) >= 0) {
         mStop.throwIfRaised();
-        Found& found = all.at(static_cast<std::size_t>(packet->stream_index));
+        if (static_cast<std::size_t>(packet->stream_index) >= all.size()) {
+            av_packet_unref(packet.get());
+            continue;
+        }
+        Found& found = all[static_cast<std::size_t>(packet->stream_index)];
         if (found.packets++ == 0) {
             found.firstDts = packet->dts;
             found.firstPts = packet->pts;

@@ -13,7 +13,7 @@ namespace zelcore {
 /// throws VerificationFailed when they differ.
 class IndexCheck {
 public:
-    IndexCheck(const OsFile& file, std::uint64_t size, const std::vector<WrittenTrack>& written,
+    IndexCheck(const OsFile& file, std::uint64_t size, const WrittenFile& written,
                const StopFlag& stop);
 
     /// Where the packets lie, in that order: one after the other up to `end`.
@@ -22,6 +22,7 @@ public:
     void compareTimes();
 
 private:
+    void compareChapters(const std::vector<Chapter>& written) const;
     void compareTrack(const AVStream& stream, const WrittenTrack& track) const;
 
     FileInput mInput;

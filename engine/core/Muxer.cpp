@@ -126,6 +126,15 @@ void Muxer::finishTrack(std::size_t track) {
     writeHeld(track, duration);
 }
 
+void Muxer::setChapters(std::vector<Chapter> chapters) {
+    mChapters = std::move(chapters);
+    if (!mChapters.empty() && mChapters.front().begin >= kTicks.den / 1000) {
+        // Players take the first one for the beginning of the file.
+        mChapters.insert(mChapters.begin(), {0, mChapters.front().begin, {}});
+    }
+    addChapters(mChapters, *mFormat);
+}
+
 void Muxer::finish() {
     for (std::size_t track = 0; track < mLanes.size(); ++track) {
         finishTrack(track);

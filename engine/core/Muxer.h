@@ -2,6 +2,7 @@
 
 #include "engine/core/AdtsFilter.h"
 #include "engine/core/AvHandles.h"
+#include "engine/core/Chapters.h"
 #include "engine/core/DestinationFile.h"
 #include "engine/core/Extent.h"
 #include "engine/core/WrittenTrack.h"
@@ -23,10 +24,12 @@ public:
     /// `packet` is stamped in `timeBase` and left empty. Decoding times that do not grow are moved.
     /// Its duration counts where it is shown last of its track.
     void write(std::size_t track, AVPacket& packet, AVRational timeBase);
+    /// In the order of their times; before finish.
+    void setChapters(std::vector<Chapter> chapters);
     void finish();
 
     const std::vector<WrittenTrack>& written() const { return mWritten; }
-    std::vector<WrittenTrack> takeWritten() { return std::move(mWritten); }
+    WrittenFile takeWritten() { return {std::move(mWritten), std::move(mChapters)}; }
     /// For a track whose packets an encoder made.
     void setTranscoded(std::size_t track) { mWritten[track].isTranscoded = true; }
 
@@ -46,6 +49,7 @@ private:
     MuxerPtr mFormat;
     std::vector<WrittenTrack> mWritten;
     std::vector<Lane> mLanes;
+    std::vector<Chapter> mChapters;
 };
 
 } // namespace zelcore

@@ -68,6 +68,7 @@ void PartJoiner::runPart(std::size_t part) {
     mKeepsDecodingTimes =
         std::string_view(source.format().iformat->name).find("matroska") == std::string_view::npos;
     Timeline timeline = timelineOf(part);
+    mOffset.reset();
     const PacketPtr packet = makePacket();
     // Near enough for telling where something is missing.
     PartWatch watch(source, mPlans, part, addTimes(mEnd, -source.start()), mLosses);
@@ -93,6 +94,7 @@ void PartJoiner::runPart(std::size_t part) {
     }
     trace(TraceLevel::Debug, text("Part ", part + 1, " covers ", toSeconds(mEnd), " s to ",
                                   toSeconds(timeline.end()), " s"));
+    addChapters(source, timeline.end());
     mEnd = timeline.end();
 }
 
@@ -147,9 +149,25 @@ void PartJoiner::deliver(Timeline& timeline) {
         AVPacket& packet = *next.packet;
         mWaitingBytes -= static_cast<std::size_t>(packet.size);
         const Ticks offset = timeline.takeOffset();
+        mOffset = mOffset.value_or(offset);
         packet.dts = packet.dts == kNoTime ? kNoTime : addTimes(packet.dts, offset);
         packet.pts = packet.pts == kNoTime ? kNoTime : addTimes(packet.pts, offset);
         mTracks[next.track]->accept(packet);
+    }
+}
+
+void PartJoiner::addChapters(const Source& source, Ticks end) {
+    for (Chapter& chapter : source.chapters()) {
+        // What begins before the part's first packet, begins with it.
+        const Ticks offset = mOffset.value_or(mEnd);
+        chapter.begin = std::max(addTimes(chapter.begin, offset), mEnd);
+        chapter.end = std::min(addTimes(chapter.end, offset), end);
+        if (chapter.begin < end) {
+            mChapters.push_back(std::move(chapter));
+        } else {
+            trace(TraceLevel::Warning, text("Chapter \"", chapter.title, "\" of \"", source.path(),
+                                            "\" is left out: it begins behind the end"));
+        }
     }
 }
 

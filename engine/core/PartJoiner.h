@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/core/Chapters.h"
 #include "engine/core/Losses.h"
 #include "engine/core/Progress.h"
 #include "engine/core/Source.h"
@@ -22,6 +23,8 @@ public:
                const StopFlag& stop, Progress& progress);
 
     void run();
+    /// Of all parts, on the destination's clock.
+    std::vector<Chapter> takeChapters() { return std::move(mChapters); }
 
 private:
     /// A packet that waits for its offset.
@@ -37,6 +40,7 @@ private:
     void take(AVPacket& packet, const AVStream& stream, std::size_t track, Timeline& timeline);
     /// Hands on what has its offset.
     void deliver(Timeline& timeline);
+    void addChapters(const Source& source, Ticks end);
     void noteProgress(const AVPacket& packet, const Source& source);
 
     const Sources& mSources;
@@ -48,9 +52,11 @@ private:
     std::deque<Waiting> mWaiting;
     std::size_t mWaitingBytes = 0;
     bool mKeepsDecodingTimes = true; ///< the part at work
-    Ticks mEnd = 0;                  ///< of everything so far
-    std::uint64_t mBytes = 0;        ///< of all sources
-    std::uint64_t mBefore = 0;       ///< bytes of the parts that are done
+    std::optional<Ticks> mOffset;    ///< of its first packet
+    std::vector<Chapter> mChapters;
+    Ticks mEnd = 0;            ///< of everything so far
+    std::uint64_t mBytes = 0;  ///< of all sources
+    std::uint64_t mBefore = 0; ///< bytes of the parts that are done
 };
 
 } // namespace zelcore

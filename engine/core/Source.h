@@ -2,6 +2,7 @@
 
 #include "engine/core/AvHandles.h"
 #include "engine/core/BlockTimes.h"
+#include "engine/core/Chapters.h"
 #include "engine/core/Complaints.h"
 #include "engine/core/SourceFile.h"
 
@@ -37,6 +38,9 @@ public:
     AVMediaType kindOf(std::size_t index) const {
         return mDemuxer->streams[index]->codecpar->codec_type;
     }
+
+    /// Of an open source, on its clock.
+    std::vector<Chapter> chapters() const { return chaptersOf(*mDemuxer); }
 
     /// When its first wanted stream begins; 0 when nothing says.
     Ticks start() const;

@@ -55,8 +55,7 @@ void compareFrame(const OsFile& file, const FrameDigest& frame, std::uint64_t fi
 
 } // namespace
 
-void verify(const DestinationFile& destination, const std::vector<WrittenTrack>& written,
-            const StopFlag& stop) {
+void verify(const DestinationFile& destination, const WrittenFile& written, const StopFlag& stop) {
     const std::uint64_t size = destination.size();
     const FrameDigest& frame = destination.frame();
     OsFile file;
@@ -75,7 +74,7 @@ void verify(const DestinationFile& destination, const std::vector<WrittenTrack>&
     compareFrame(file, frame, firstPacket, size, stop);
     index.compareTimes();
     packets.finish();
-    decodeHereAndThere(file, size, written, stop);
+    decodeHereAndThere(file, size, written.tracks, stop);
     if (FileState now; file.state(now) != 0 || now != state) {
         throwFinishedFileFault("changed while it was compared");
     }

@@ -12,7 +12,6 @@ namespace zelcore {
 /// written: the bytes of every packet where the index has it, every time, decoder data, and the
 /// bytes around the packets. Decodes here and there what an encoder of ours made. Throws
 /// VerificationFailed.
-void verify(const DestinationFile& destination, const std::vector<WrittenTrack>& written,
-            const StopFlag& stop);
+void verify(const DestinationFile& destination, const WrittenFile& written, const StopFlag& stop);
 
 } // namespace zelcore

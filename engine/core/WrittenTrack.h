@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/core/AvHandles.h"
+#include "engine/core/Chapters.h"
 #include "engine/core/StoredForm.h"
 
 #include <cstdint>
@@ -47,6 +48,12 @@ private:
     std::int64_t mFirstDts = kNoTime;
     std::int64_t mShown = 0;
     std::int64_t mDecoded = 0;
+};
+
+/// What went into the destination.
+struct WrittenFile {
+    std::vector<WrittenTrack> tracks{};
+    std::vector<Chapter> chapters{};
 };
 
 } // namespace zelcore

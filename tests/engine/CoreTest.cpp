@@ -32,7 +32,7 @@ protected:
             muxer.write(track, *packet, opened->streams[track]->time_base);
         }
         muxer.finish();
-        mWritten = muxer.takeWritten();
+        mWritten = muxer.takeWritten().tracks;
         mFile.closeDurably();
         mContent = readFile(mFile.temporaryPath());
     }
@@ -43,7 +43,7 @@ protected:
     }
     bool isPassed() const {
         try {
-            verify(mFile, mWritten, mStop);
+            verify(mFile, {mWritten}, mStop);
             return true;
         } catch (const Failure& failure) {
             EXPECT_EQ(failure.code(), ErrorCode::VerificationFailed) << failure.what();
