@@ -17,11 +17,12 @@ namespace {
 /// More than these are opened anew when their turn comes; the system limits open files.
 constexpr std::size_t kMostKeptOpen = 16;
 
-Sources openSources(const std::vector<std::string>& paths, const StopFlag& stop) {
+Sources openSources(const std::vector<std::string>& paths, const StopFlag& stop, Cover& cover) {
     Sources sources;
     for (const std::string& path : paths) {
         sources.push_back(std::make_unique<Source>(path, stop));
-        sources.back()->traceUnwanted();
+        sources.back()->traceUnwanted(cover.isEmpty() ? sources.back()->giveCover(cover)
+                                                      : std::nullopt);
         if (sources.size() > kMostKeptOpen) {
             sources.back()->close();
         }
@@ -79,7 +80,8 @@ void ConversionJob::run() noexcept {
 
 void ConversionJob::convert() {
     auto destination = std::make_unique<DestinationFile>(mDestination, mSources, mStop);
-    const Sources sources = openSources(mSources, mStop);
+    Cover cover;
+    const Sources sources = openSources(mSources, mStop, cover);
     std::vector<TrackPlan> plans = planTracks(sources);
     traceJob(sources, plans);
     Progress progress([this](float percent) {
@@ -96,7 +98,7 @@ void ConversionJob::convert() {
     };
     while (written.tracks.empty()) {
         try {
-            written = write(sources, plans, *destination, progress);
+            written = write(sources, plans, cover, *destination, progress);
         } catch (const NotCopyable& found) {
             trace(TraceLevel::Info,
                   text("Track ", found.track, " is transcoded after all: ", found.reason));
@@ -124,12 +126,16 @@ void ConversionJob::convert() {
 }
 
 WrittenFile ConversionJob::write(const Sources& sources, const std::vector<TrackPlan>& plans,
-                                 DestinationFile& destination, Progress& progress) {
+                                 const Cover& cover, DestinationFile& destination,
+                                 Progress& progress) {
     Muxer muxer(destination);
     muxer.copyMetadata(sources.front()->format());
     std::vector<std::unique_ptr<Track>> tracks;
     for (const TrackPlan& plan : plans) {
         tracks.push_back(makeTrack(plan, muxer, mLosses));
+    }
+    if (!cover.isEmpty()) {
+        muxer.addCover(cover);
     }
     muxer.writeHeader();
     PartJoiner joiner(sources, plans, tracks, mLosses, mStop, progress);

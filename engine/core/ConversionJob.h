@@ -32,7 +32,7 @@ private:
     void convert();
     /// Everything up to the finished file; throws NotCopyable when another plan is needed.
     WrittenFile write(const Sources& sources, const std::vector<TrackPlan>& plans,
-                      DestinationFile& destination, Progress& progress);
+                      const Cover& cover, DestinationFile& destination, Progress& progress);
     /// Throws when content is missing and the caller has not accepted that.
     void settleLosses();
     void report(ErrorCode code, const char* why) noexcept;

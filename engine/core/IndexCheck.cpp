@@ -1,5 +1,6 @@
 #include "engine/core/IndexCheck.h"
 
+#include "engine/core/Cover.h"
 #include "engine/core/FinishedFileFault.h"
 
 #include <algorithm>
@@ -70,14 +71,28 @@ IndexCheck::IndexCheck(const OsFile& file, std::uint64_t size, const WrittenFile
             mTracks.push_back(&track);
         }
     }
-    // The names of chapters are a track of their own, behind the others.
-    const std::size_t ofChapters = written.chapters.empty() ? 0 : 1;
-    expectSame("tracks", mTracks.size() + ofChapters,
-               static_cast<std::size_t>(mDemuxer->nb_streams));
+    // The names of chapters are a track of their own, behind the others; the cover looks like one.
+    const std::size_t others = (written.chapters.empty() ? 0 : 1) + (written.cover.empty() ? 0 : 1);
+    expectSame("tracks", mTracks.size() + others, static_cast<std::size_t>(mDemuxer->nb_streams));
     for (std::size_t i = 0; i < mTracks.size(); ++i) {
         compareTrack(*mDemuxer->streams[i], *mTracks[i]);
     }
     compareChapters(written.chapters);
+    compareCover(written.cover);
+}
+
+void IndexCheck::compareCover(const std::vector<std::uint8_t>& written) const {
+    Cover found;
+    found.takeFrom(*mDemuxer);
+    const bool isSame =
+        found.isEmpty()
+            ? written.empty()
+            : std::ranges::equal(
+                  std::span(found.picture().data, static_cast<std::size_t>(found.picture().size)),
+                  written);
+    if (!isSame) {
+        throwFinishedFileFault("has another cover than was written");
+    }
 }
 
 void IndexCheck::compareChapters(const std::vector<Chapter>& written) const {

@@ -22,6 +22,7 @@ public:
     void compareTimes();
 
 private:
+    void compareCover(const std::vector<std::uint8_t>& written) const;
     void compareChapters(const std::vector<Chapter>& written) const;
     void compareTrack(const AVStream& stream, const WrittenTrack& track) const;
 

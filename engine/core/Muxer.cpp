@@ -9,13 +9,17 @@ namespace zelcore {
 
 namespace {
 
-bool saysColours(const AVCodecParameters& parameters) {
-    return parameters.codec_type == AVMEDIA_TYPE_VIDEO &&
+bool saysColours(const AVStream& stream) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    return parameters.codec_type == AVMEDIA_TYPE_VIDEO && !isCover(stream) &&
            (parameters.color_range != AVCOL_RANGE_UNSPECIFIED ||
             parameters.color_space != AVCOL_SPC_UNSPECIFIED ||
             parameters.color_primaries != AVCOL_PRI_UNSPECIFIED ||
             parameters.color_trc != AVCOL_TRC_UNSPECIFIED);
 }
+
+/// Some tracks have nothing to write for long; the others do not wait for them.
+constexpr std::int64_t kLongestWait = AV_TIME_BASE;
 
 } // namespace
 
@@ -44,6 +48,22 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
     return *stream;
 }
 
+void Muxer::addCover(const Cover& cover) {
+    AVStream* stream = avformat_new_stream(mFormat.get(), nullptr);
+    if (stream == nullptr) {
+        throw std::bad_alloc();
+    }
+    require(avcodec_parameters_copy(stream->codecpar, &cover.parameters()), "cover");
+    stream->codecpar->codec_tag = 0;
+    // MP4 does not keep its size, but the muxer wants one.
+    stream->codecpar->width = std::max(stream->codecpar->width, 1);
+    stream->codecpar->height = std::max(stream->codecpar->height, 1);
+    stream->disposition = AV_DISPOSITION_ATTACHED_PIC; // nothing else makes it one
+    const AVPacket& picture = cover.picture();
+    mCover.assign(picture.data, picture.data + picture.size);
+    mFormat->max_interleave_delta = kLongestWait;
+}
+
 void Muxer::copyMetadata(const AVFormatContext& from) {
     require(av_dict_copy(&mFormat->metadata, from.metadata, AV_DICT_DONT_OVERWRITE), "metadata");
 }
@@ -53,13 +73,26 @@ void Muxer::writeHeader() {
     // A timecode in the metadata would become a track of its own, which no source has.
     av_dict_set(&options, "write_tmcd", "0", 0);
     if (std::ranges::any_of(std::span(mFormat->streams, mFormat->nb_streams),
-                            [](const AVStream* each) { return saysColours(*each->codecpar); })) {
+                            [](const AVStream* each) { return saysColours(*each); })) {
         // By itself the muxer writes them only where all of them are known.
         av_dict_set(&options, "movflags", "write_colr", 0);
     }
     const int result = avformat_write_header(mFormat.get(), &options);
     av_dict_free(&options);
     throwIfFailed(result, "begin the MP4 file");
+    if (!mCover.empty()) {
+        writeCover();
+    }
+}
+
+void Muxer::writeCover() {
+    const PacketPtr packet = makePacket();
+    require(av_new_packet(packet.get(), static_cast<int>(mCover.size())), "cover");
+    std::ranges::copy(mCover, packet->data);
+    packet->stream_index = static_cast<int>(mWritten.size());
+    packet->pts = packet->dts = 0;
+    packet->flags |= AV_PKT_FLAG_KEY;
+    throwIfFailed(av_interleaved_write_frame(mFormat.get(), packet.get()), "write the cover");
 }
 
 void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {

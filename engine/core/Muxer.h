@@ -3,6 +3,7 @@
 #include "engine/core/AdtsFilter.h"
 #include "engine/core/AvHandles.h"
 #include "engine/core/Chapters.h"
+#include "engine/core/Cover.h"
 #include "engine/core/DestinationFile.h"
 #include "engine/core/Extent.h"
 #include "engine/core/WrittenTrack.h"
@@ -19,6 +20,8 @@ public:
 
     /// `parameters` are copied, `timeBase` is the clock of the packets to come.
     AVStream& addTrack(const AVCodecParameters& parameters, AVRational timeBase);
+    /// After all tracks.
+    void addCover(const Cover& cover);
     void copyMetadata(const AVFormatContext& from);
     void writeHeader();
     /// `packet` is stamped in `timeBase` and left empty. Decoding times that do not grow are moved.
@@ -29,7 +32,9 @@ public:
     void finish();
 
     const std::vector<WrittenTrack>& written() const { return mWritten; }
-    WrittenFile takeWritten() { return {std::move(mWritten), std::move(mChapters)}; }
+    WrittenFile takeWritten() {
+        return {std::move(mWritten), std::move(mChapters), std::move(mCover)};
+    }
     /// For a track whose packets an encoder made.
     void setTranscoded(std::size_t track) { mWritten[track].isTranscoded = true; }
 
@@ -43,6 +48,7 @@ private:
         AdtsFilter adtsFilter;
     };
     void writeHeld(std::size_t track, std::int64_t duration);
+    void writeCover();
     void finishTrack(std::size_t track);
 
     DestinationFile& mFile;
@@ -50,6 +56,7 @@ private:
     std::vector<WrittenTrack> mWritten;
     std::vector<Lane> mLanes;
     std::vector<Chapter> mChapters;
+    std::vector<std::uint8_t> mCover;
 };
 
 } // namespace zelcore

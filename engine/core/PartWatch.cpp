@@ -121,9 +121,8 @@ void PartWatch::refuseToCopyWhatChanges(Stream& stream, const AVPacket& packet) 
 void PartWatch::noteUnplanned(const AVPacket& packet) {
     const auto index = static_cast<std::size_t>(packet.stream_index);
     const AVMediaType kind = mSource.kindOf(index);
-    const bool isCover = index < mSource.streamCount() &&
-                         (mSource.stream(index).disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
-    if ((kind == AVMEDIA_TYPE_VIDEO || kind == AVMEDIA_TYPE_AUDIO) && !isCover) {
+    const bool isPicture = index >= mSource.streamCount() || !isCover(mSource.stream(index));
+    if ((kind == AVMEDIA_TYPE_VIDEO || kind == AVMEDIA_TYPE_AUDIO) && isPicture) {
         add(kind, LossCause::Unusable, mEnd, 0, 0);
     }
 }

@@ -36,8 +36,7 @@ constexpr std::uint64_t kShortestTail = 1024;
 constexpr int kMostFailures = 5000;
 
 bool isPicture(const AVStream& stream) {
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !isCover(stream);
 }
 
 bool isEncrypted(const AVStream* stream) {
@@ -206,9 +205,11 @@ void Source::discardUnwanted() {
     }
 }
 
-void Source::traceUnwanted() const {
+void Source::traceUnwanted(std::optional<int> kept) const {
     for (const AVStream* each : std::span(mKnown->streams, mKnown->nb_streams)) {
-        if (!isWanted(*each)) {
+        const bool isListOfChapters =
+            each->codecpar->codec_tag == MKTAG('t', 'e', 'x', 't') && mDemuxer->nb_chapters > 0;
+        if (!isWanted(*each) && kept != each->index && !isListOfChapters) {
             const char* kind = av_get_media_type_string(each->codecpar->codec_type);
             trace(TraceLevel::Warning, text("Stream ", each->index, " of \"", mPath,
                                             "\" is left out: ", kind == nullptr ? "unknown" : kind,

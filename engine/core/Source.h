@@ -4,6 +4,7 @@
 #include "engine/core/BlockTimes.h"
 #include "engine/core/Chapters.h"
 #include "engine/core/Complaints.h"
+#include "engine/core/Cover.h"
 #include "engine/core/SourceFile.h"
 
 #include <memory>
@@ -31,8 +32,10 @@ public:
     /// Audio and video whose parameters are known; cover pictures, subtitles and data are not for
     /// the destination.
     bool isWanted(const AVStream& stream) const;
-    /// A trace line for each stream that is not wanted.
-    void traceUnwanted() const;
+    /// Of an open source: the picture that stands for it.
+    std::optional<int> giveCover(Cover& cover) const { return cover.takeFrom(*mDemuxer); }
+    /// A trace line for each stream that is not wanted, but for the cover when that is `kept`.
+    void traceUnwanted(std::optional<int> kept) const;
 
     /// The kind of an open source's stream, also of one that turned up after the first opening.
     AVMediaType kindOf(std::size_t index) const {

@@ -54,6 +54,7 @@ private:
 struct WrittenFile {
     std::vector<WrittenTrack> tracks{};
     std::vector<Chapter> chapters{};
+    std::vector<std::uint8_t> cover{}; ///< its bytes
 };
 
 } // namespace zelcore
