@@ -123,8 +123,8 @@ private:
             // Its threads may still call us, so the session stays. The engine's own exit handlers
             // run, and may remove what it has not finished.
             static_cast<void>(mSession.release());
-            std::exit(static_cast<int>(
-                status)); // NOLINT(concurrency-mt-unsafe): no other thread of ours ends it
+            // No other thread of ours ends it. NOLINTNEXTLINE(concurrency-mt-unsafe)
+            std::exit(static_cast<int>(status));
         }
         return status;
     }

@@ -17,8 +17,8 @@ constexpr std::size_t kLookedThrough = 1 << 16;
 std::int64_t firstClusterTime(const SourceFile& file) {
     std::vector<std::uint8_t> bytes(kLookedThrough);
     bytes.resize(file.peek(0, bytes.data(), bytes.size()));
-    const auto cluster = std::ranges::search(bytes, kCluster);
-    const auto at = std::find(cluster.end(), bytes.end(), kClusterTime);
+    const auto cluster = std::search(bytes.begin(), bytes.end(), kCluster.begin(), kCluster.end());
+    const auto at = std::find(cluster, bytes.end(), kClusterTime);
     if (bytes.end() - at < 10) {
         return kNoTime;
     }

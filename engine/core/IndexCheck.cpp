@@ -38,7 +38,8 @@ bool isDecoderData(std::span<const std::uint8_t> found, const WrittenTrack& trac
         const bool isSet =
             track.codec == AV_CODEC_ID_H264 ? kind == 7 || kind == 8 : kind >= 32 && kind <= 34;
         if (isSet) {
-            isSame = !std::ranges::search(found, unit).empty();
+            isSame =
+                std::search(found.begin(), found.end(), unit.begin(), unit.end()) != found.end();
             ++sets;
         }
     }

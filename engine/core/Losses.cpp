@@ -78,9 +78,10 @@ void Losses::add(const Loss& loss) {
                loss.begin - addTimes(other.begin, other.duration) <= kSamePlace &&
                other.begin - addTimes(loss.begin, loss.duration) <= kSamePlace;
     };
-    const auto latest = mAll | std::views::reverse | std::views::take(kMostOpen);
-    const auto same = std::ranges::find_if(latest, isSamePlace);
-    if (same == latest.end()) {
+    const auto oldest =
+        mAll.rbegin() + static_cast<std::ptrdiff_t>(std::min(mAll.size(), kMostOpen));
+    const auto same = std::find_if(mAll.rbegin(), oldest, isSamePlace);
+    if (same == oldest) {
         mAll.push_back(loss);
         return;
     }

@@ -43,8 +43,8 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
         parameters.codec_id == AV_CODEC_ID_HEVC ? MKTAG('h', 'v', 'c', '1') : 0;
     stream->time_base = timeBase;
     mWritten.emplace_back(parameters);
-    Lane& lane = mLanes.emplace_back(Extent(parameters.codec_type));
-    lane.held = makePacket();
+    mLanes.push_back(
+        Lane{.extent = Extent(parameters.codec_type), .held = makePacket(), .adtsFilter = {}});
     return *stream;
 }
 

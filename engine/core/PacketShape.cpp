@@ -28,8 +28,8 @@ bool isUnitCodec(AVCodecID codec) {
 /// Where the next start code (00 00 01) begins.
 std::size_t placeOfStartCode(std::span<const std::uint8_t> bytes) {
     static constexpr std::array<std::uint8_t, 3> code = {0, 0, 1};
-    const auto found = std::ranges::search(bytes, code);
-    return static_cast<std::size_t>(found.begin() - bytes.begin());
+    const auto found = std::search(bytes.begin(), bytes.end(), code.begin(), code.end());
+    return static_cast<std::size_t>(found - bytes.begin());
 }
 
 } // namespace
@@ -97,7 +97,8 @@ bool PacketShape::changesHeader(const AVPacket& packet) const {
         if (kind == Unit::Start || kind == Unit::Picture) {
             return false;
         }
-        if (kind == Unit::Parameters && std::ranges::search(mHeader, unit).empty()) {
+        if (kind == Unit::Parameters && std::search(mHeader.begin(), mHeader.end(), unit.begin(),
+                                                    unit.end()) == mHeader.end()) {
             return true;
         }
     }

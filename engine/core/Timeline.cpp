@@ -66,15 +66,16 @@ void Timeline::decide() {
     if (mWaiting.empty()) {
         return;
     }
-    Ticks offset = mBegin;
-    if (mKnown.empty()) {
-        offset = offsetForBeginning();
-    } else if (isPause() || isOverlap()) {
-        offset = mLanes[mWaiting.front().lane].offset;
-        offset = offset == kNoTime ? mKnown.front() : offset;
-    } else {
-        offset = offsetToFollowOn();
-    }
+    const Ticks offset = [this] {
+        if (mKnown.empty()) {
+            return offsetForBeginning();
+        }
+        if (isPause() || isOverlap()) {
+            const Ticks ofLane = mLanes[mWaiting.front().lane].offset;
+            return ofLane == kNoTime ? mKnown.front() : ofLane;
+        }
+        return offsetToFollowOn();
+    }();
     const std::deque<Stamp> waiting = std::move(mWaiting);
     mWaiting.clear();
     mRunBegin = kNoTime;

@@ -35,9 +35,9 @@ protected:
         EXPECT_EQ(names.size(), 1U);
         return names.empty() ? "" : names[0];
     }
-    void archive(const LogArchive::Files& list, FileLogger::ArchiveExecutor executor = {},
+    void archive(const LogArchive::Files& list, const FileLogger::ArchiveExecutor& executor = {},
                  const std::string& place = {}) const {
-        std::make_shared<FileLogger>(logs, 1, files, std::move(executor), true)
+        std::make_shared<FileLogger>(logs, 1, files, executor, true)
             ->archiveLogs(files, place.empty() ? destination : place, list);
     }
 
