@@ -1,6 +1,9 @@
 #include "engine/core/Complaints.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -16,6 +19,13 @@ thread_local Complaints* listener = nullptr; // trivially destructible
 int gravestHarmless(const AVFormatContext& demuxer) {
     const bool isFlv = demuxer.iformat != nullptr && std::strcmp(demuxer.iformat->name, "flv") == 0;
     return isFlv ? AV_LOG_INFO : AV_LOG_WARNING;
+}
+
+/// What is said of any container: of pictures far apart, of a length or a rate that is not told.
+bool isOfWholeRecordingsToo(std::string_view format) {
+    static constexpr std::array<std::string_view, 3> beginnings = {
+        "DTS discontinuity", "Estimating duration", "Stream #%d: not enough frames"};
+    return std::ranges::any_of(beginnings, [&](auto each) { return format.starts_with(each); });
 }
 
 } // namespace
@@ -35,12 +45,13 @@ void Complaints::add(std::int64_t position) noexcept {
     }
 }
 
-void Complaints::hear(const void* object, int level) noexcept {
+void Complaints::hear(const void* object, int level, const char* format) noexcept {
     if (listener == nullptr || object == nullptr || object != listener->mDemuxer) {
         return;
     }
     const AVFormatContext& demuxer = *listener->mDemuxer;
-    if (demuxer.pb != nullptr && level < gravestHarmless(demuxer)) {
+    if (demuxer.pb != nullptr && level < gravestHarmless(demuxer) &&
+        !isOfWholeRecordingsToo(format)) {
         listener->add(avio_tell(demuxer.pb));
     }
 }

@@ -25,8 +25,8 @@ public:
     /// Byte positions, in the order of their finding.
     const std::vector<std::int64_t>& positions() const { return mPositions; }
 
-    /// Any message of FFmpeg's, from whatever thread.
-    static void hear(const void* object, int level) noexcept;
+    /// Any message of FFmpeg's, from whatever thread, before its arguments are put in.
+    static void hear(const void* object, int level, const char* format) noexcept;
 
 private:
     static constexpr std::size_t kMostKept = 1000;

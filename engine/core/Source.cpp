@@ -240,6 +240,7 @@ bool Source::read(AVPacket& packet) {
     for (int failures = 0; failures < kMostFailures;) {
         const std::int64_t before = avio_tell(mDemuxer->pb);
         const int result = readOnce(packet);
+        const std::int64_t after = avio_tell(mDemuxer->pb);
         if (result >= 0) {
             mBlockTimes->restore(packet, *mDemuxer->streams[packet.stream_index]);
             if (mSkippedFrom) {
@@ -248,21 +249,27 @@ bool Source::read(AVPacket& packet) {
             }
             return true;
         }
-        // Past the end of a file that was cut, the index may still name packets before it.
-        if (result == AVERROR_EXIT || (result == AVERROR_EOF && !isCutShort())) {
+        // Past the end of the file, the index may still name packets before it.
+        const bool isEnd = result == AVERROR_EOF && !isCutShort() && !isMisledTo(after);
+        if (result == AVERROR_EXIT || isEnd) {
             break;
         }
-        const std::int64_t after = avio_tell(mDemuxer->pb);
         if (result == AVERROR(EAGAIN)) {
             mSkippedFrom = mSkippedFrom.value_or(static_cast<std::uint64_t>(after - kResync));
             failures = after > before ? 0 : failures;
         } else {
-            mComplaints.add(before);
+            // Packets that are read in another order than they lie in follow anywhere.
+            mComplaints.add(isMisledTo(after) ? 0 : before);
         }
         ++failures;
     }
     noteEnd();
     return false;
+}
+
+bool Source::isMisledTo(std::int64_t position) const {
+    return std::strstr(mDemuxer->iformat->name, "mov") != nullptr &&
+           position > static_cast<std::int64_t>(mFile->state().size);
 }
 
 int Source::readOnce(AVPacket& packet) {

@@ -70,6 +70,8 @@ private:
     void openDemuxer();
     void discardUnwanted();
     int readOnce(AVPacket& packet);
+    /// A damaged index led the demuxer beyond the end.
+    bool isMisledTo(std::int64_t position) const;
     void noteEnd();
     bool isFilledWithZeros(std::uint64_t from) const;
 

@@ -26,7 +26,7 @@ SinkGate<zel::IZelTraceSink>& traceGate() {
 }
 
 void onFfmpegMessage(void* object, int level, const char* format, va_list arguments) {
-    Complaints::hear(object, level);
+    Complaints::hear(object, level, format);
     if (level > AV_LOG_VERBOSE) {
         return;
     }

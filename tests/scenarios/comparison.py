@@ -77,6 +77,7 @@ class Comparison:
             if ours.codec != theirs.codec:
                 self.compare_key_frames(ours)
         if ours.kind == "video":
+            self.expect(not ours.packets or "K" in ours.packets[0]["flags"], "begins with no key")
             self.compare_format(ours, theirs)
             self.compare_pictures(ours, theirs)
         elif ours.kind == "audio":

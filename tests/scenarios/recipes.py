@@ -129,6 +129,10 @@ RECIPES = {
     },
     "late-second.webm": (picture(times=LATE_SECOND), VP8, VARIABLE),
     "late-second.mp4": (picture(times=LATE_SECOND), H264, VARIABLE),
+    "far.flv": (
+        picture(times=irregular(0.001, 2.251, 0.002, 0.114, 0.034, count=33)),
+        *(H264, VARIABLE),
+    ),
     "one-a-second.webm": (picture(rate=1, seconds=40), VP8, "-g 300"),
     "same-millisecond.mkv": (
         picture(times=irregular(0.0666, 0.0002)),
@@ -161,7 +165,9 @@ RECIPES = {
     # Codec data, colours and formats
     "small.flv": (picture("160x90"), sound(), H264_AAC),
     "new-header.flv": (surgery.join_flv, "{h264-aac.flv}", "{small.flv}", 4100),
-    "plain.mp4": (picture(seconds=2), H264, "-bf 0 -video_track_timescale 15360"),
+    "plain.mp4": (picture(seconds=2), H264, "-crf 11 -bf 0 -video_track_timescale 15360"),
+    # Of the same profile; the codec data are as long and differ in what the quality begins with.
+    "coarse.mp4": (picture(seconds=2), H264, "-crf 40 -bf 0 -video_track_timescale 15360"),
     "cabac.mp4": (
         *(picture(seconds=2), H264.replace("ultrafast", "medium")),
         "-bf 0 -video_track_timescale 15360",
@@ -224,6 +230,8 @@ RECIPES = {
         "-disposition:v attached_pic -metadata title=Song",
     ),
     "cover.mkv": ("-i {h264-aac.mkv} -attach {cover.png} -metadata:s:t mimetype=image/png", COPY),
+    "cover.tiff": ("-i {cover.png}",),
+    "tiff.mkv": ("-i {h264-aac.mkv} -attach {cover.tiff} -metadata:s:t mimetype=image/tiff", COPY),
     "location.mov": (
         "-i {h264-aac.mkv} -metadata make=Maker -metadata model=Camera",
         *(COPY, "-metadata location=+48.2082+016.3738/ -metadata title=Walk"),
@@ -271,6 +279,8 @@ RECIPES = {
     "dead-sound.mkv": ("-i {flac.mkv}", COPY, "-bsf:a noise=amount=1"),
     "dead-picture.mkv": ("-i {h264-aac.mkv}", COPY, "-bsf:v noise=amount=1"),
     "sound-alone.mkv": ("-i {h264-aac.mkv} -vn", COPY),
+    "in-order.mp4": (picture(), sound(), H264_AAC, "-bf 0"),
+    "lost-chunks.mp4": (surgery.lose_chunks, "{in-order.mp4}", 0.45, 0.55),
     "late-key.ts": (surgery.cut_front, "{h264-aac.ts}", 0.3),
     "nothing.mp4": (surgery.write, ""),
     "minutes.mp4": (surgery.write, "Minutes of the meeting\nNothing was decided.\n"),

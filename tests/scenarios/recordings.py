@@ -47,6 +47,7 @@ TABLE = """
   screen_h264_flv    screen.h264.flv      copied=va
   late_second        late-second.webm
   late_second_mp4    late-second.mp4      copied=v
+  far_flv            far.flv              copied=v
   one_a_second       one-a-second.webm
   same_millisecond   same-millisecond.mkv
 
@@ -97,13 +98,14 @@ TABLE = """
   chapters_webm      chapters.webm
 * cover              cover.m4a            copied=a tags=title
   cover_mkv          cover.mkv            copied=va
+  attached_picture   tiff.mkv             copied=va truth=h264-aac.mkv
   place_and_camera   location.mov         copied=va tags='location title'
 
 # Parts
 * equal_parts        h264-aac.mkv h264-aac.mkv h264-aac.mkv copied=va seams=2
 * other_parameters   h264-aac.mkv other-parameters.mkv seams=1 size=400x200 cropped=356:200:22:0,-
   other_codec        vp9-opus.webm h264-aac.mkv seams=1
-  other_codec_data   plain.mp4 cabac.mp4  seams=1
+  other_codec_data   plain.mp4 coarse.mp4 seams=1
   sound_first        pcm.wav h264-aac.mkv
   muted_first        muted.mkv h264-aac.mkv seams=1
   muted              muted.mkv            truth=no-audio.mkv
@@ -127,6 +129,8 @@ TABLE = """
   hole_ts            hole-h264-aac.ts     status=3 says=damaged lost=1,3.1 truth=h264-aac.mkv
   hole_flv           hole-h264-aac.flv    status=3 says=damaged lost=1,3.1 truth=h264-aac.mkv
   hole_webm          hole-vp8-vorbis.webm status=3 says=damaged lost=1,3.1 truth=vp8-vorbis.webm
+  lost_chunks        lost-chunks.mp4      status=3 says=damaged lost=1,3.1 truth=in-order.mp4
+  late_key_ts        late-key.ts
   noisy_h264         noisy-h264-aac.mkv   status=3 says=0:01 lost=1.1,3.2 truth=h264-aac.mkv
 * noisy_vp8          noisy-vp8-vorbis.webm status=3 says=0:01 lost=1.1,3.2 truth=vp8-vorbis.webm
   dead_sound         dead-sound.mkv       status=3 says='sound from' truth=no-audio.mkv

@@ -169,3 +169,14 @@ def join_mp4(made, first, second):
         (length,) = struct.unpack_from(">I", box.content, at)
         box.content = box.content[:at] + struct.pack(">I", 2 * length) + box.content[at + 4 :]
     made.write_bytes(bytes(top[0][b"ftyp"]) + bytes(Box(b"mdat", data)) + bytes(moov))
+
+
+def lose_chunks(made, recording, begin, end):
+    """Of an MP4's first track, the index says of some chunks that they lie beyond the end."""
+    top = Box.all(Path(recording).read_bytes())
+    table = next(box for box in top if box.kind == b"moov")["trak mdia minf stbl stco"]
+    offsets = [each for (each,) in struct.iter_unpack(">I", table.content[8:])]
+    for number in range(int(len(offsets) * begin), int(len(offsets) * end)):
+        offsets[number] = 0x7FFFFFFF
+    table.content = table.content[:8] + struct.pack(f">{len(offsets)}I", *offsets)
+    made.write_bytes(b"".join(map(bytes, top)))
