@@ -5,14 +5,14 @@ namespace zelcore {
 namespace {
 
 /// Packets of a group that are decoded for a sample.
-constexpr std::size_t kSample = 8;
+constexpr std::size_t kSample = 4;
 /// Sound can be decoded from every packet on.
 constexpr std::size_t kGroupOfSound = 64;
 /// A group that is longer is not decoded.
 constexpr std::size_t kMostHeld = 2000;
 constexpr std::size_t kMostHeldBytes = 32U << 20U;
-/// The first groups are all sampled, the later ones less and less often.
-constexpr std::int64_t kDense = 8;
+/// The first groups are all sampled; later the gaps grow by half each time.
+constexpr std::int64_t kDense = 2;
 
 } // namespace
 

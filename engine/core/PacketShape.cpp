@@ -8,13 +8,15 @@ namespace zelcore {
 
 namespace {
 
-/// Sound that is silent may hold some zeros on purpose; the decoder has the last word.
-constexpr std::size_t kHole = 16;
+/// Pictures hold no such run of zeros, sound that is even or silent has runs of up to 25. The
+/// decoder has the last word. What a disk loses is longer than either.
+constexpr std::size_t kHoleInPicture = 16;
+constexpr std::size_t kHoleInSound = 32;
 
-bool hasHole(std::span<const std::uint8_t> bytes) {
-    static constexpr std::array<std::uint8_t, kHole> zeros{};
-    for (std::size_t at = 0; at + kHole <= bytes.size(); at += kHole) {
-        if (bytes[at] == 0 && std::memcmp(bytes.data() + at, zeros.data(), kHole) == 0) {
+bool hasHole(std::span<const std::uint8_t> bytes, std::size_t hole) {
+    static constexpr std::array<std::uint8_t, kHoleInSound> zeros{};
+    for (std::size_t at = 0; at + hole <= bytes.size(); at += hole) {
+        if (bytes[at] == 0 && std::memcmp(bytes.data() + at, zeros.data(), hole) == 0) {
             return true;
         }
     }
@@ -36,6 +38,7 @@ std::size_t placeOfStartCode(std::span<const std::uint8_t> bytes) {
 
 PacketShape::PacketShape(const AVCodecParameters& parameters)
     : mCodec(parameters.codec_id),
+      mHole(parameters.codec_type == AVMEDIA_TYPE_AUDIO ? kHoleInSound : kHoleInPicture),
       mHeader(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)) {
     // ISO/IEC 14496-15: both records begin with 1, and tell how long the lengths are.
     if (mCodec == AV_CODEC_ID_H264 && mHeader.size() > 6 && mHeader[0] == 1) {
@@ -47,7 +50,7 @@ PacketShape::PacketShape(const AVCodecParameters& parameters)
 
 bool PacketShape::looksWrong(const AVPacket& packet) const {
     const Bytes bytes(packet.data, static_cast<std::size_t>(packet.size));
-    if (hasHole(bytes)) {
+    if (hasHole(bytes, mHole)) {
         return true;
     }
     Bytes rest = bytes;

@@ -34,6 +34,7 @@ private:
     Unit kindOf(Bytes unit) const;
 
     AVCodecID mCodec;
+    std::size_t mHole; ///< that many zeros in a row look wrong
     Bytes mHeader;
     std::size_t mLengthSize = 0; ///< of the number before each unit; 0: start codes
 };
