@@ -45,7 +45,6 @@ public:
     static std::string_view stateName(State state) noexcept;
 
 private:
-    friend class AsyncQueueProbe;
     friend class QueueWorker;
     struct Context;
 

@@ -19,7 +19,6 @@ public:
     void run() { doWork(); }
 
 private:
-    friend class AsyncQueueProbe;
     using Lock = std::unique_lock<std::mutex>;
 
     void doWork();

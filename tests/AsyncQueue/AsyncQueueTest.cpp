@@ -1,6 +1,4 @@
 #include "AsyncQueue/AsyncQueue.h"
-#include "AsyncQueue/AsyncQueueDestroyedException.h"
-#include "AsyncQueue/QueueContext.h"
 #include "platform/Identity.h"
 #include "support/LogRecorder.h"
 #include "support/Signal.h"
@@ -16,26 +14,6 @@
 #include <thread>
 
 namespace tarn {
-
-/// Reaches what the queue's interface does not offer: no operation enters the initialiser phase.
-class AsyncQueueProbe {
-public:
-    explicit AsyncQueueProbe(const AsyncQueue& queue) : mContext(queue.mContext) {}
-
-    void enter(AsyncQueue::State state) {
-        const std::lock_guard lock(mContext->mMutex);
-        mContext->mState.exchange(state);
-        mContext->wakeWorker();
-    }
-    void postInitialiser(const std::string& name, TaskFunction&& task) {
-        const std::lock_guard lock(mContext->mMutex);
-        mContext->mQueue.growBack() = {std::move(task), 0, name};
-        mContext->wakeWorker();
-    }
-
-private:
-    std::shared_ptr<AsyncQueue::Context> mContext;
-};
 
 namespace {
 
@@ -233,80 +211,12 @@ TEST_F(AsyncQueueTest, NamesItsThreadAfterTheRunningTaskAndLeavesNothingToTheNex
             while (!getThreadDescription(worker).empty()) { // it is back when there is no work
                 std::this_thread::yield();
             }
-            // Its own name comes back when it has nothing to do.
-            while (!getThreadDescription(worker).empty()) {
-                std::this_thread::yield();
-            }
         }
         hold();
         EXPECT_EQ(getThreadDescription(worker), "AsyncQueue::Q[hold]") << "from another thread";
-        post("later");
-        Signal isSuspended;
-        std::string idleName;
-        EXPECT_FALSE(mQueue->suspend([&] {
-            idleName = mQueue->currentTaskName() + "|" + getThreadDescription(worker);
-            isSuspended.set();
-        }));
         release();
-        isSuspended.wait();
-        EXPECT_EQ(idleName, "|AsyncQueue::Q[Suspension]");
-        EXPECT_FALSE(mQueue->isQueueThread());
-        mQueue->resume();
         run("last");
     }
-}
-
-TEST(TaskFunction, ReleasesTheCallersContextWhenTheCallEnds) {
-    hint_external_input::set("first", "second");
-    CallSite site = CallSite::capture("file", 1, "function");
-    hint_external_input::clear();
-    const std::weak_ptr<const hint_external_input> context = site.context;
-    TaskFunction task(
-        [&, moveOnly = std::make_unique<int>()] { EXPECT_EQ(context.lock()->second, "second"); });
-    task(std::move(site));
-    EXPECT_TRUE(context.expired());
-}
-
-TEST_F(AsyncQueueTest, LogsWhatASuspensionDoesAndWhatItsCallbackThrows) {
-    testing::expectErrorLine("AsyncQueue[Q]");
-    Signal isCalled;
-    for (const bool isStandard : {true, false}) {
-        hold();
-        post("later");
-        EXPECT_FALSE(mQueue->suspend([&] {
-            isCalled.set();
-            isStandard ? throw std::runtime_error("boom") : throw 1;
-        }));
-        release();
-        isCalled.wait();
-        mQueue->resume();
-        run("last");
-    }
-    EXPECT_THAT(mNotes, ElementsAre("later", "later"));
-    const std::string entering = "370 <Info> Entering, asking the threadpool to suspend: Q";
-    const std::string ready =
-        "139 <Info> mHasFinishedFunc is not nil, so we are ready to suspend and notify callback: Q";
-    EXPECT_THAT(logged(), ElementsAre(entering, ready,
-                                      "153 <Error> AsyncQueue[Q] Encountered an exception while "
-                                      "calling suspension lambda: boom",
-                                      entering, ready,
-                                      "157 <Error> AsyncQueue[Q]Encountered a generic exception "
-                                      "while calling suspension lambda"));
-}
-
-TEST_F(AsyncQueueTest, StopsWhenTheQueuedTasksHaveRunAndTakesNothingAfterwards) {
-    hold();
-    post("queued 1");
-    post("queued 2");
-    std::thread stopper([this] { mQueue->stop(); });
-    release();
-    stopper.join();
-    EXPECT_TRUE(mQueue->isStopped());
-    mQueue->stop();
-    post("too late");
-    EXPECT_EQ(mQueue->pendingTaskCount(), 0U);
-    EXPECT_THAT(mNotes, ElementsAre("queued 1", "queued 2"));
-    EXPECT_EQ(mQueue->threadId(), std::thread::id());
 }
 
 TEST_F(AsyncQueueTest, DetachesItsWorkerWhenATaskStopsOrDestroysItsOwnQueue) {
@@ -357,49 +267,6 @@ TEST_F(AsyncQueueTest, LogsWhatATaskThrowsAndRunsTheNext) {
               "74 Assertion failed: mTask with message: TaskFunction called when empty, it's "
               "either been moved or default initialized. Called from File: AsyncQueue/AsyncQueue "
               "Line: 186");
-}
-
-TEST_F(AsyncQueueTest, EndsItsWorkerWhenATaskSaysThatItsObjectIsGone) {
-    add("orphan", [] { throw AsyncQueueDestroyedException(); });
-    post("never");
-    // Nothing else tells that the worker has gone than that it can be joined.
-    mQueue->stop();
-    EXPECT_EQ(mQueue->pendingTaskCount(), 1U);
-    EXPECT_EQ(mQueue->currentTaskName(), "orphan");
-    EXPECT_THAT(mNotes, ElementsAre());
-    EXPECT_THAT(logged(), ElementsAre("190 <Warn> AsyncQueue[Q] Destructed running taskorphan"));
-    mQueue = std::make_shared<AsyncQueue>("Q", false);
-    add("last", [this] {
-        mQueue->stop();
-        throw AsyncQueueDestroyedException();
-    });
-    while (mQueue->threadId() != std::thread::id()) { // a thread that has ended is nobody's
-        std::this_thread::yield();
-    }
-}
-
-TEST_F(AsyncQueueTest, HoldsPostsBackUntilTheInitialiserTasksAreDone) {
-    AsyncQueueProbe probe(*mQueue);
-    hold();
-    probe.enter(AsyncQueue::State::Initialising);
-    post("held back");
-    post("dropped", 0, 5);
-    post("held back, in front", 1);
-    mQueue->cancelTasks(5);
-    Signal isDone;
-    probe.postInitialiser("initialiser", TaskFunction([&] {
-                              mNotes.push_back("initialiser");
-                              isDone.set();
-                          }));
-    release();
-    isDone.wait();
-    EXPECT_EQ(mQueue->pendingTaskCount(), 2U);
-    EXPECT_TRUE(mQueue->suspend(nullptr)) << "held back tasks do not count";
-    mQueue->resume();
-    probe.enter(AsyncQueue::State::Processing);
-    run("last");
-    EXPECT_THAT(mNotes, ElementsAre("initialiser", "held back, in front", "held back"));
-    EXPECT_EQ(logged().back(), "240 <Info> Threadpool state is now running, name: Q");
 }
 
 } // namespace
