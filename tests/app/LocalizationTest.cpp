@@ -10,18 +10,6 @@ namespace {
 const QStringList kEnglish{"Your recording is being prepared. Please wait.",
                            "Your recording is ready.", "Your recording conversion has failed."};
 
-/// Knows each text under one context only.
-class ContextTranslator : public QTranslator {
-public:
-    explicit ContextTranslator(const QStringList& contexts) : mContexts(contexts) {}
-    QString translate(const char* context, const char* text, const char*, int) const override {
-        return mContexts[kEnglish.indexOf(text)] == context ? QString("<%1>").arg(text) : QString();
-    }
-
-private:
-    QStringList mContexts;
-};
-
 QStringList textsWith(QTranslator& translator) {
     LocalizationStrings strings;
     strings.loadSourceTexts();
@@ -30,13 +18,6 @@ QStringList textsWith(QTranslator& translator) {
 }
 
 } // namespace
-
-TEST(LocalizationStrings, AreTranslatedUnderTheirOwnContextsAndEnglishOtherwise) {
-    ContextTranslator right({"PopupConverterToast", "QObject", "QObject"});
-    ContextTranslator wrong({"QObject", "PopupConverterToast", "PopupConverterToast"});
-    EXPECT_EQ(textsWith(right).filter("<").size(), 3);
-    EXPECT_EQ(textsWith(wrong), kEnglish);
-}
 
 TEST(Translations, ComeInEveryLanguageWithAllTextsAndFitTheToastWhole) {
     const QStringList files = QDir(RUNTIME_FOLDER "/translations").entryList({"*.qm"});

@@ -40,11 +40,6 @@ if(NOT WIN32)
     target_link_options(fake_no_stop_mediaconverter PRIVATE -Wl,-z,nodelete)
 endif()
 record_converter_fake_library(no-factory mediaconverter FakeEngine.cpp FAKE_NO_FACTORY)
-record_converter_fake_library(no-factory zelclient FakeClient.cpp FAKE_NO_EXPORTS)
 record_converter_fake_library(failing-factory mediaconverter FakeEngine.cpp
     FAKE_FACTORY_RESULT=0x1000)
 record_converter_fake_library(no-instance mediaconverter FakeEngine.cpp FAKE_STORES_NOTHING)
-
-record_converter_library(rc_engine_test_support
-    SOURCES FakeLibraries.cpp
-    LINK rc_utils rc_platform rc_test_support)

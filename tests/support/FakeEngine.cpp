@@ -5,14 +5,13 @@
 //   result N      what the start call returns (hexadecimal with 0x); a failure runs nothing
 //   progress P    OnProgress(P) from the engine's thread; "nan" and "inf" are taken too
 //   error N       OnError(N)
-//   destroy       the sink's destructor entry
 //   write TEXT    writes the destination
 //   lose TEXT     the sentence for ZelConversionLosses; without the caller's word an error, and
 //                 nothing more runs
 //   crash         ends the process from the engine's thread
 //   hold          waits until a stop is asked for, and goes on even then
 //
-// What was called is recorded for FakeEngineCalls. Where nothing runs, FAKE_ENDING holds what
+// The sink's destructor entry is called before. Where nothing runs, FAKE_ENDING holds what
 // ZelConversionEnding tells ("20005 reason") and FAKE_LOSSES the other sentence.
 
 #include <algorithm>
@@ -60,7 +59,6 @@ struct Instance {
 struct State {
     std::mutex mutex;
     std::condition_variable changed;
-    std::string calls;
     std::string losses;
     std::string ending = "-1"; // code, blank, reason
     bool acceptsLosses = false;
@@ -133,8 +131,6 @@ bool run(Sink* sink, const Command& command, const std::string& destination) {
             sink->table->onError(sink, 20012);
         }
         return isAccepted;
-    } else if (name == "destroy") {
-        sink->table->destructorEntry(sink, 0);
     } else if (name == "write") {
         std::ofstream(utf8Path(destination)) << argument;
     } else if (name == "crash") {
@@ -158,6 +154,7 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
     const std::lock_guard lock(state().mutex);
     ++state().running;
     state().threads.emplace_back([sink = instance->sink, commands, destination] {
+        sink->table->destructorEntry(sink, 0);
         for (const Command& command : commands) {
             if (!run(sink, command, destination)) {
                 break;
@@ -170,48 +167,20 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
     return result;
 }
 
-void record(const std::string& call) {
-    const std::lock_guard lock(state().mutex);
-    state().calls += call + "\n";
+std::int32_t startMultiple(Instance* instance, const char* const* sources, std::uint64_t count,
+                           const char* destination, std::uint32_t param1, std::uint32_t param2) {
+    const bool areThere = std::all_of(sources, sources + count, [](const char* source) {
+        return std::filesystem::exists(utf8Path(source));
+    });
+    return areThere && param1 == 3 && param2 == 4 ? start(instance, sources[0], destination) : -100;
 }
 
 std::int32_t startSingle(Instance* instance, const char* source, const char* destination,
                          std::uint32_t param1, std::uint32_t param2) {
-    record(std::string("single ") + source + " -> " + destination + " " + std::to_string(param1) +
-           " " + std::to_string(param2));
-    return start(instance, source, destination);
-}
-
-std::int32_t startMultiple(Instance* instance, const char* const* sources, std::uint64_t count,
-                           const char* destination, std::uint32_t param1, std::uint32_t param2) {
-    std::string call = "multiple " + std::to_string(count);
-    for (std::uint64_t i = 0; i < count; ++i) {
-        call += std::string(" ") + sources[i];
-    }
-    record(call + " -> " + destination + " " + std::to_string(param1) + " " +
-           std::to_string(param2));
-    return start(instance, sources[0], destination);
+    return startMultiple(instance, &source, 1, destination, param1, param2);
 }
 
 [[maybe_unused]] constexpr InstanceTable kInstanceTable{{}, startSingle, startMultiple};
-
-/// Returns 0 when no script runs any more; `stop` ends the waiting of "hold".
-std::int32_t waitForScripts(bool stop, std::uint32_t milliseconds) {
-    std::unique_lock lock(state().mutex);
-    state().stopping = state().stopping || stop;
-    state().changed.notify_all();
-    if (!state().changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                                  [] { return state().running == 0; })) {
-        return 1;
-    }
-    std::vector<std::thread> finished = std::move(state().threads);
-    state().threads.clear();
-    lock.unlock();
-    for (std::thread& thread : finished) {
-        thread.join();
-    }
-    return 0;
-}
 
 /// The value of a variable, or else the scripted text.
 [[maybe_unused]] std::string wordsOf(const char* variable, const std::string& scripted) {
@@ -233,7 +202,6 @@ extern "C" {
 
 #ifndef FAKE_NO_FACTORY
 std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
-    record("create");
 #ifdef FAKE_STORES_NOTHING
     static_cast<void>(instance);
     static_cast<void>(sink);
@@ -259,18 +227,22 @@ std::int32_t ZelConversionEnding(char* text, std::uint32_t capacity) {
     return std::atoi(words.c_str());
 }
 
+/// Ends the waiting of "hold"; returns 0 when no script runs any more.
 std::int32_t ZelStopConversions(std::uint32_t timeoutMilliseconds) {
-    return waitForScripts(true, timeoutMilliseconds);
+    std::unique_lock lock(state().mutex);
+    state().stopping = true;
+    state().changed.notify_all();
+    if (!state().changed.wait_for(lock, std::chrono::milliseconds(timeoutMilliseconds),
+                                  [] { return state().running == 0; })) {
+        return 1;
+    }
+    std::vector<std::thread> finished = std::move(state().threads);
+    state().threads.clear();
+    lock.unlock();
+    for (std::thread& thread : finished) {
+        thread.join();
+    }
+    return 0;
 }
 #endif
-
-std::int32_t FakeEngineWait(std::uint32_t timeoutMilliseconds) {
-    return waitForScripts(false, timeoutMilliseconds);
-}
-
-/// Valid until the next call of any function here.
-const char* FakeEngineCalls() {
-    const std::lock_guard lock(state().mutex);
-    return state().calls.c_str();
-}
 }
