@@ -1,11 +1,7 @@
-#include "logging/ArchiveQueue.h"
 #include "logging/FileLoggerFixture.h"
 #include "logging/LogArchive.h"
 #include "logging/ZipEntryNames.h"
 #include "support/LogRecorder.h"
-
-#include <future>
-#include <thread>
 
 namespace tarn {
 namespace {
@@ -45,27 +41,6 @@ protected:
     const testing::HookedLog log;
 };
 
-TEST_F(LogArchiveTest, ArchivesFilesWhenTheJobRunsThoughItsLoggerIsGone) {
-    FileLogger::Job job;
-    archive(
-        makeLogs(), [&](FileLogger::Job given) { job = std::move(given); },
-        destination + files->pathSeparator());
-    EXPECT_THAT(files->getFiles(destination), IsEmpty());
-    job();
-    const std::string made = onlyFile();
-    EXPECT_THAT(
-        log.lines(),
-        ElementsAre(
-            "<Debug> Starting log archiving.",
-            "<Debug> Attempting to generate zip file: " + made + " ignoreRoot: true",
-            StartsWith("<Debug> Adding to zip : " + files->joinPath(destination, "logArchive-")),
-            "<Debug> Finished writing zip file, added 2 files.", "<Debug> Zip file present",
-            "<Debug> Zip file valid, " + std::to_string(files->getFileSize(made)) + " bytes.",
-            "<Debug> Log archiving finished."));
-    job = nullptr;
-    EXPECT_THAT(files->getDirs(destination), IsEmpty());
-}
-
 TEST_F(LogArchiveTest, KeepsTheNewestFiveArchivesAndWhatIsNotItsOwn) {
     const std::string own = files->joinPath(destination, "logArchive");
     files->mkdir(own);
@@ -86,28 +61,6 @@ TEST_F(LogArchiveTest, KeepsTheNewestFiveArchivesAndWhatIsNotItsOwn) {
                             HasSubstr("_2004-"), HasSubstr("_2005-"), HasSubstr("_20")));
     EXPECT_THAT(files->getDirsRecursive(destination), ElementsAre(own, used->path()));
     EXPECT_EQ(testing::readFile(letter), "not ours\n");
-}
-
-TEST_F(LogArchiveTest, MakesSeveralOfOneSecondInOneFolderAtOnce) {
-    const auto moment = std::chrono::sys_days{std::chrono::year{2025} / 2 / 19} +
-                        std::chrono::hours(4) + std::chrono::milliseconds(485'999);
-    const auto list = makeLogs();
-    std::vector<std::thread> threads;
-    for (int run = 0; run < 4; ++run) {
-        threads.emplace_back([&] {
-            LogArchive own(files, destination, moment);
-            own.collect(list);
-            EXPECT_TRUE(own.write().succeeded());
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_THAT(files->getFiles(destination), ElementsAre("logArchive_2025-02-19_04-08-05.zip",
-                                                          "logArchive_2025-02-19_04-08-05_2.zip",
-                                                          "logArchive_2025-02-19_04-08-05_3.zip",
-                                                          "logArchive_2025-02-19_04-08-05_4.zip"));
-    EXPECT_THAT(files->getDirs(destination), IsEmpty());
 }
 
 TEST_F(LogArchiveTest, SkipsWhatItCannotTakeAndSaysSo) {
@@ -163,23 +116,6 @@ TEST_F(LogArchiveTest, KeepsNamesOfEntriesInsideTheFolderOnAnySystem) {
     }
     EXPECT_EQ(ZipEntryNames("..").next("..\\up"),
               files->pathSeparator() == "/" ? "__/.._up" : "__/__/up");
-}
-
-TEST_F(LogArchiveTest, KeepsWritingLinesWhileAQueueOfItsOwnMakesALargeArchive) {
-    setLogHook({}); // the lines of the archive come from another thread
-    const auto executor = makeArchiveQueue();
-    FileLogger own(logs, 1, files, executor, true);
-    own.start(true);
-    own.archiveLogs(files, destination, {{"large", folder.write("large", noise(5'000'000))}});
-    std::promise<void> done;
-    auto finished = done.get_future();
-    executor([&] { done.set_value(); });
-    logNumbered(own, 0, 100);
-    own.flush();
-    EXPECT_EQ(content("current_log.txt"), numberedLines(0, 100));
-    EXPECT_NE(finished.wait_for(std::chrono::seconds(0)), std::future_status::ready);
-    finished.wait();
-    EXPECT_THAT(onlyFile(), EndsWith(".zip"));
 }
 
 } // namespace

@@ -1,11 +1,8 @@
 #include "logging/ControlCharacters.h"
-#include "logging/LogStream.h"
 #include "logging/Scrubber.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,21 +50,6 @@ TEST(ControlCharacters, AreWrittenOutAndOrdinaryTextIsKept) {
         escapeControlCharacters(text);
         EXPECT_EQ(text, expected);
     }
-}
-
-TEST(LogStream, WritesWhatAStandardStreamWrites) {
-    const int object = 0;
-    const auto write = [&](auto& stream) -> auto& {
-        stream << "text " << std::string("string ") << 'c' << true << false << -7 << 7U << ' '
-               << INT64_MIN << ' ' << UINT64_MAX << ' ' << short{-3} << ' ' << 0.1 << ' ' << 1e20
-               << ' ' << 1234567.0F << ' ' << static_cast<const void*>(&object)
-               << std::string(200, 'x') << "beyond its own room";
-        return stream;
-    };
-    std::ostringstream standard;
-    LogStream ours;
-    EXPECT_EQ(write(ours).text(), static_cast<std::ostringstream&>(write(standard)).str());
-    EXPECT_EQ((LogStream() << static_cast<const char*>(nullptr)).text(), "(null)");
 }
 
 } // namespace
