@@ -76,16 +76,6 @@ TEST_F(Lifetime, ConversionsSideBySideDoNotMix) {
     EXPECT_TRUE(tarn::platform::fileDetails(folder / "2.mp4"));
 }
 
-TEST_F(Lifetime, TheTraceHonoursTheMaximumLevel) {
-    for (const auto& [maximum, highest] : {std::pair{0, 0U}, {2, 2U}, {5, 4U}}) {
-        trace.lines.clear();
-        setTraceMaxLevel(maximum);
-        ASSERT_NO_FATAL_FAILURE(convert({recording("vp9-opus.webm")}, destination));
-        EXPECT_THAT(trace.lines, ::testing::Each(::testing::Key(::testing::Le(highest))));
-        EXPECT_EQ(trace.count(highest) > 0, maximum > 0);
-    }
-}
-
 TEST_F(Lifetime, TheTraceComesToASinkNoMoreOnceItIsDetachedUnderFire) {
     RecordingSink sink;
     ASSERT_NO_FATAL_FAILURE(startLong(sink));

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,16 +16,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class LinuxFaults : public EngineTest {};
-
-TEST_F(LinuxFaults, AFileSizeLimitIsAnErrorAndNotTheEndOfTheProcess) {
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
-    limit.rlim_cur = 20'000;
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    expectRefusal(20026, {recording("h264-aac.mkv")}, destination);
-    limit.rlim_cur = limit.rlim_max;
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
 
 TEST_F(LinuxFaults, PipesAndDevicesAreNeitherReadNorReplaced) {
     const std::string pipe = folder / "pipe";

@@ -44,71 +44,53 @@ std::vector<std::pair<double, Stamp>> packetsOf(const std::vector<Stretch>& stre
     return packets;
 }
 
-void PrintTo(const TimelineCase& each, std::ostream* out) {
-    *out << each.name;
-}
+const TimelineCase kCases[] = {
+    {"late start", false, {{0, 5, 1000}}},
+    {"start before zero", false, {{0, 5, -1.6}}},
+    {"sound alone", false, {{0, 5, -1.6, "a"}, {5, 9, -6.6, "a"}}},
+    {"sound that repeats itself", false, {{0, 4, 0, "a"}, {3.5, 7.5, 0, "a"}}},
+    {"restart", false, {{0, 5, 2}, {5, 10, -5}, {10, 15, -10}}},
+    {"restart soon", true, {{0, 0.5, 1}, {0.5, 3, 0.3}}},
+    {"sound comes later", false, {{0, 5, 0, "v"}, {5, 6, 0}, {6, 9, -6}}},
+    {"ten minutes' pause", false, {{0, 5, 0}, {605, 610, 0}}},
+    {"the picture's pause", false, {{0, 5, 0}, {5, 605, 0, "a"}, {605, 610, 0}}},
+    {"rare pictures", false, {{0, 0.02, 0, "v"}, {400, 400.02, 0, "v"}, {900, 900.02, 0, "v"}}},
+    {"days", false, {{0, 5, 0}, {5, 10, 72 * kHours}}},
+    {"break of a clock", true, {{0, 5, 1}, {5, 10, 600}, {10, 12, 20}}},
+    {"short pause of a clock", true, {{0, 5, 0}, {8, 12, 0}}},
+    {"damaged ahead", false, {{0, 5, 0}, {5, 6, 1000}, {6, 20, 0}}},
+    {"damaged behind", false, {{0, 5, 0}, {5, 6, -5}, {6, 20, 0}}},
+    {"a picture ahead", false, {{0, 5, 0}, {5, 5.02, 40, "v"}, {5, 5.04, 0, "a"}, {5.04, 20, 0}}},
+    {"a picture behind", true, {{0, 5, 0}, {5, 5.02, -4, "v"}, {5, 5.04, 0, "a"}, {5.04, 20, 0}}},
+    {"tracks that jump one after the other",
+     true,
+     {{0, 5, 0}, {5, 5.4, 100, "v"}, {5, 5.4, 0, "a"}, {5.4, 10, 100}}},
+};
 
-class TimelineOf : public ::testing::TestWithParam<TimelineCase> {};
+} // namespace
 
-TEST_P(TimelineOf, PutsEveryPacketWhereItBelongs) {
-    constexpr Ticks kBegin = 3 * kTicks.den;
-    Timeline timeline(kBegin, {AVMEDIA_TYPE_VIDEO, AVMEDIA_TYPE_AUDIO, AVMEDIA_TYPE_UNKNOWN},
-                      GetParam().followsJumps);
-    const auto packets = packetsOf(GetParam().stretches);
-    for (const auto& [time, stamp] : packets) {
-        timeline.add(stamp);
-    }
-    while (timeline.hasWaiting()) {
-        timeline.decide();
-    }
-    double furthest = 0;
-    for (const auto& [time, stamp] : packets) {
-        ASSERT_TRUE(timeline.hasOffset());
-        const double placed = toSeconds(stamp.shown + timeline.takeOffset() - kBegin);
-        furthest = std::max(furthest, std::abs(placed - time));
-    }
-    EXPECT_LT(furthest, 0.05);
-    EXPECT_NEAR(toSeconds(timeline.end() - kBegin), GetParam().stretches.back().end, 0.05);
-    EXPECT_FALSE(timeline.hasOffset());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    EachKind, TimelineOf,
-    ::testing::ValuesIn(std::vector<TimelineCase>{
-        {"late start", false, {{0, 5, 1000}}},
-        {"start before zero", false, {{0, 5, -1.6}}},
-        {"sound alone", false, {{0, 5, -1.6, "a"}, {5, 9, -6.6, "a"}}},
-        {"sound that repeats itself", false, {{0, 4, 0, "a"}, {3.5, 7.5, 0, "a"}}},
-        {"restart", false, {{0, 5, 2}, {5, 10, -5}, {10, 15, -10}}},
-        {"restart soon", true, {{0, 0.5, 1}, {0.5, 3, 0.3}}},
-        {"sound comes later", false, {{0, 5, 0, "v"}, {5, 6, 0}, {6, 9, -6}}},
-        {"ten minutes' pause", false, {{0, 5, 0}, {605, 610, 0}}},
-        {"the picture's pause", false, {{0, 5, 0}, {5, 605, 0, "a"}, {605, 610, 0}}},
-        {"rare pictures", false, {{0, 0.02, 0, "v"}, {400, 400.02, 0, "v"}, {900, 900.02, 0, "v"}}},
-        {"days", false, {{0, 5, 0}, {5, 10, 72 * kHours}}},
-        {"break of a clock", true, {{0, 5, 1}, {5, 10, 600}, {10, 12, 20}}},
-        {"short pause of a clock", true, {{0, 5, 0}, {8, 12, 0}}},
-        {"damaged ahead", false, {{0, 5, 0}, {5, 6, 1000}, {6, 20, 0}}},
-        {"damaged behind", false, {{0, 5, 0}, {5, 6, -5}, {6, 20, 0}}},
-        {"a picture ahead",
-         false,
-         {{0, 5, 0}, {5, 5.02, 40, "v"}, {5, 5.04, 0, "a"}, {5.04, 20, 0}}},
-        {"a picture behind",
-         true,
-         {{0, 5, 0}, {5, 5.02, -4, "v"}, {5, 5.04, 0, "a"}, {5.04, 20, 0}}},
-        {"tracks that jump one after the other",
-         true,
-         {{0, 5, 0}, {5, 5.4, 100, "v"}, {5, 5.4, 0, "a"}, {5.4, 10, 100}}},
-    }));
-
-TEST(TimelineAtTheBeginning, KeepsPrimingOutOfHearingInTheFirstPartOnly) {
-    for (const Ticks begin : {Ticks{0}, Ticks{kTicks.den}}) {
-        Timeline timeline(begin, {AVMEDIA_TYPE_VIDEO, AVMEDIA_TYPE_AUDIO}, false);
-        const Ticks priming = kTicks.den / 50;
-        timeline.add({1, -priming, -priming, priming, false, priming});
-        timeline.add({0, 0, 0, kTicks.den / 25, false, 0});
-        ASSERT_TRUE(timeline.hasOffset());
-        EXPECT_EQ(timeline.takeOffset(), begin == 0 ? 0 : begin + priming);
+TEST(Timeline, PutsEveryPacketWhereItBelongs) {
+    for (const auto& [name, followsJumps, stretches] : kCases) {
+        SCOPED_TRACE(name);
+        constexpr Ticks kBegin = 3 * kTicks.den;
+        Timeline timeline(kBegin, {AVMEDIA_TYPE_VIDEO, AVMEDIA_TYPE_AUDIO, AVMEDIA_TYPE_UNKNOWN},
+                          followsJumps);
+        const auto packets = packetsOf(stretches);
+        for (const auto& [time, stamp] : packets) {
+            timeline.add(stamp);
+        }
+        while (timeline.hasWaiting()) {
+            timeline.decide();
+        }
+        double furthest = 0;
+        for (const auto& [time, stamp] : packets) {
+            ASSERT_TRUE(timeline.hasOffset());
+            const double placed = toSeconds(stamp.shown + timeline.takeOffset() - kBegin);
+            furthest = std::max(furthest, std::abs(placed - time));
+        }
+        EXPECT_LT(furthest, 0.05);
+        EXPECT_NEAR(toSeconds(timeline.end() - kBegin), stretches.back().end, 0.05);
+        EXPECT_FALSE(timeline.hasOffset());
     }
 }
 
@@ -128,7 +110,5 @@ TEST(TimelineOfReorderedPictures, TakesAnEarlierOneForOneInAnotherOrderAndNotFor
         EXPECT_EQ(timeline.takeOffset(), 0) << i;
     }
 }
-
-} // namespace
 
 } // namespace zelcore::testing
