@@ -6,15 +6,6 @@
 namespace tarn::platform {
 namespace {
 
-TEST(Text, SurvivesTheWayToWideTextAndBack) {
-    for (const std::string& text :
-         {std::string(), std::string("a\0b", 3), std::string("Füße 会議 😀 \U0010FFFF")}) {
-        EXPECT_EQ(toUtf8(toWide(text)), text);
-        EXPECT_TRUE(isValidUtf8(text));
-    }
-    EXPECT_EQ(toWide("ü"), L"\u00FC");
-}
-
 TEST(Text, ReplacesWhatIsNotUtf8) {
     for (const std::string text :
          {"\x80", "\xC0\xAF", "\xC1\xBF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",

@@ -1,5 +1,5 @@
 #include "platform/Files.h"
-#include "platform/Text.h"
+#include "platform/KnownFolders.h"
 #include "platform/windows/SystemPath.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
@@ -12,7 +12,6 @@
 namespace tarn::platform {
 namespace {
 
-using tarn::testing::readFile;
 using ::testing::ElementsAre;
 
 class WindowsFiles : public ::testing::Test {
@@ -21,10 +20,6 @@ protected:
     static HANDLE hold(const std::string& path, DWORD sharing) {
         return CreateFileW(systemPath(path).c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
-    }
-    static void setReadOnly(const std::string& path, bool isReadOnly = true) {
-        SetFileAttributesW(systemPath(path).c_str(),
-                           isReadOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL);
     }
     const tarn::testing::TemporaryFolder folder;
 };
@@ -38,6 +33,16 @@ TEST(SystemPath, PrefixesOnlyWhatIsTooLong) {
     EXPECT_EQ(systemPath(L"\\\\?\\C:\\" + longName), L"\\\\?\\C:\\" + longName);
     EXPECT_TRUE(systemPath(longName).starts_with(L"\\\\?\\")) << "relative to the working folder";
     EXPECT_EQ(systemPath(std::wstring(L"C:\\a\0b", 6)), L"") << "names no other file";
+}
+
+TEST(WindowsFolders, TellAbsolutePathsFromOthers) {
+    for (const char* path :
+         {"C:\\", "c:/x", "\\\\server\\share", "//server/share", "\\\\?\\C:\\x"}) {
+        EXPECT_TRUE(isAbsolutePath(path)) << path;
+    }
+    for (const char* path : {"", "C:", "C:x", "\\x", "/x", "x\\y", "1:\\x", "\\\\"}) {
+        EXPECT_FALSE(isAbsolutePath(path)) << path;
+    }
 }
 
 TEST_F(WindowsFiles, TellFilesThatOthersHaveOpen) {
@@ -54,38 +59,6 @@ TEST_F(WindowsFiles, TellFilesThatOthersHaveOpen) {
     EXPECT_EQ(errno, EACCES);
     EXPECT_THAT(FileUtils().getFiles(folder.path()), ElementsAre("new", "recording.mkv"));
     CloseHandle(held);
-}
-
-TEST_F(WindowsFiles, CopyReplacesWholeOrNotAtAll) {
-    const std::string source = folder.write("new.txt", "new");
-    const std::string target = folder.write("old.txt", "old");
-    HANDLE held = hold(target, FILE_SHARE_READ);
-    EXPECT_FALSE(copyFileContents(source, target));
-    CloseHandle(held);
-    setReadOnly(target);
-    EXPECT_FALSE(copyFileContents(source, target));
-    EXPECT_EQ(readFile(target), "old");
-    setReadOnly(target, false);
-    // A source that is read-only itself: its copy is too, and the temporary leaves no trace.
-    setReadOnly(source);
-    EXPECT_TRUE(copyFileContents(source, target));
-    EXPECT_EQ(readFile(target), "new");
-    EXPECT_EQ(fileDetails(source).value().modified, fileDetails(target).value().modified);
-    EXPECT_FALSE(copyFileContents(source, target)) << "the target is read-only now";
-    EXPECT_THAT(FileUtils().getFiles(folder.path()), ElementsAre("new.txt", "old.txt"));
-    setReadOnly(source, false);
-    setReadOnly(target, false);
-}
-
-TEST_F(WindowsFiles, PatternsMatchLongNamesWithoutRegardToCase) {
-    for (const char* name : {"Log.TXT", "log.txt2", "plain", "GRÖSSE.txt"}) {
-        folder.write(name, "");
-    }
-    for (const auto& [pattern, count] : {std::pair{"*.txt", 2U}, {"grösse.*", 1U}, {"*.*", 4U}}) {
-        EXPECT_EQ(listFolder(folder.path(), pattern)->size(), count) << pattern;
-    }
-    EXPECT_FALSE(listFolder(folder / "absent"));
-    EXPECT_EQ(errno, ENOENT);
 }
 
 } // namespace

@@ -75,11 +75,5 @@ TEST_F(SignedProgram, LoadsAnythingFromElsewhere) {
         << "the program's own folder counts only while the protection is off";
 }
 
-TEST_F(SignedProgram, StaysOffForAnyOtherValue) {
-    demandProtection(2);
-    EXPECT_FALSE(SideLoadingPolicy::ofProcess().isSideLoadingProtectionEnabled());
-    EXPECT_TRUE(loads("signed\\other.dll", mInstalled.path()));
-}
-
 } // namespace
 } // namespace tarn::loader
