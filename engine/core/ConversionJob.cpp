@@ -143,7 +143,9 @@ WrittenFile ConversionJob::write(const Sources& sources, const std::vector<Track
     muxer.setChapters(joiner.takeChapters());
     muxer.finish();
     WrittenFile written = muxer.takeWritten();
-    if (std::ranges::all_of(written.tracks, [](const auto& track) { return track.packets == 0; })) {
+    if (std::ranges::all_of(written.tracks, [](const auto& track) {
+            return track.packets == 0 || track.isText();
+        })) {
         throw mLosses.isEmpty()
             ? Failure(ErrorCode::NothingToConvert, "The sources hold neither sound nor picture")
             : Failure(ErrorCode::SourceDamaged, mLosses.sentence());

@@ -41,6 +41,9 @@ AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBa
     // HEVC with decoder data among its pictures, which some players refuse.
     stream->codecpar->codec_tag =
         parameters.codec_id == AV_CODEC_ID_HEVC ? MKTAG('h', 'v', 'c', '1') : 0;
+    if (parameters.codec_type == AVMEDIA_TYPE_SUBTITLE) {
+        mFormat->max_interleave_delta = kLongestWait;
+    }
     stream->time_base = timeBase;
     mWritten.emplace_back(parameters);
     mLanes.push_back(
@@ -132,7 +135,10 @@ void Muxer::write(std::size_t track, AVPacket& packet, AVRational timeBase) {
     lane.lastDts = packet.dts;
     lane.extent.add(toTicks(packet.pts, stream.time_base),
                     toTicks(packet.duration, stream.time_base));
-    writeHeld(track, 1);
+    // Text lasts as long as it says, but not beyond the next.
+    writeHeld(track, isText(track) && lane.held->data != nullptr
+                         ? std::min(lane.held->duration, packet.dts - lane.held->dts)
+                         : 1);
     av_packet_move_ref(lane.held.get(), &packet);
 }
 

@@ -47,6 +47,7 @@ private:
         std::int64_t lastDts = kNoTime;
         AdtsFilter adtsFilter;
     };
+    bool isText(std::size_t track) const { return mWritten[track].isText(); }
     void writeHeld(std::size_t track, std::int64_t duration);
     void writeCover();
     void finishTrack(std::size_t track);

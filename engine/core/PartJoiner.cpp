@@ -115,8 +115,10 @@ Timeline PartJoiner::timelineOf(std::size_t part) const {
     std::vector<AVMediaType> lanes;
     for (const TrackPlan& plan : mPlans) {
         const auto stream = plan.streamOfPart[part];
-        lanes.push_back(stream ? source.stream(*stream).codecpar->codec_type
-                               : AVMEDIA_TYPE_UNKNOWN);
+        const AVMediaType kind =
+            stream ? source.stream(*stream).codecpar->codec_type : AVMEDIA_TYPE_UNKNOWN;
+        // Nothing waits for subtitles: they may be far apart.
+        lanes.push_back(kind == AVMEDIA_TYPE_SUBTITLE ? AVMEDIA_TYPE_UNKNOWN : kind);
     }
     return Timeline(mEnd, lanes, (source.format().iformat->flags & AVFMT_TS_DISCONT) != 0);
 }

@@ -1,5 +1,7 @@
 #include "engine/core/PartWatch.h"
 
+#include "engine/core/SubtitleTranscoder.h"
+
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -46,6 +48,10 @@ PartWatch::PartWatch(const Source& source, const std::vector<TrackPlan>& plans, 
         if (!index) {
             continue;
         }
+        if (isTextSubtitle(source.stream(*index))) {
+            mTexts.insert(*index);
+            continue;
+        }
         Stream& stream = mStreams[*index];
         stream.stream = &source.stream(*index);
         stream.track = track;
@@ -66,6 +72,9 @@ bool PartWatch::look(AVPacket& packet) {
     const auto index = static_cast<std::size_t>(packet.stream_index);
     if (index < mStreams.size() && mStreams[index].stream != nullptr) {
         return lookAtPlanned(mStreams[index], packet);
+    }
+    if (mTexts.contains(index)) {
+        return true; // gaps in it are no loss
     }
     noteUnplanned(packet);
     return false;

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ private:
     const Ticks mOffset;
     Losses& mLosses;
     std::vector<Stream> mStreams; ///< by the source's index; those without a track have no stream
+    std::set<std::size_t> mTexts; ///< subtitles, by the source's index
     std::size_t mPassed = 0;      ///< broken places
     std::optional<Ticks> mUntold; ///< when the first of them was passed that no gap tells of
     Ticks mEnd = 0;               ///< of all packets so far, on the part's clock

@@ -1,6 +1,7 @@
 #include "engine/core/Source.h"
 
 #include "engine/core/DeclaredSize.h"
+#include "engine/core/SubtitleTranscoder.h"
 #include "engine/core/Trace.h"
 
 #include <algorithm>
@@ -199,7 +200,8 @@ bool Source::isWanted(const AVStream& stream) const {
 
 void Source::discardUnwanted() {
     for (AVStream* each : std::span(mDemuxer->streams, mDemuxer->nb_streams)) {
-        if (!isPicture(*each) && each->codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
+        if (!isPicture(*each) && each->codecpar->codec_type != AVMEDIA_TYPE_AUDIO &&
+            !isTextSubtitle(*each)) {
             each->discard = AVDISCARD_ALL;
         }
     }
@@ -209,7 +211,8 @@ void Source::traceUnwanted(std::optional<int> kept) const {
     for (const AVStream* each : std::span(mKnown->streams, mKnown->nb_streams)) {
         const bool isListOfChapters =
             each->codecpar->codec_tag == MKTAG('t', 'e', 'x', 't') && mDemuxer->nb_chapters > 0;
-        if (!isWanted(*each) && kept != each->index && !isListOfChapters) {
+        if (!isWanted(*each) && !isTextSubtitle(*each) && kept != each->index &&
+            !isListOfChapters) {
             const char* kind = av_get_media_type_string(each->codecpar->codec_type);
             trace(TraceLevel::Warning, text("Stream ", each->index, " of \"", mPath,
                                             "\" is left out: ", kind == nullptr ? "unknown" : kind,

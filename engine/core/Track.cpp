@@ -2,6 +2,7 @@
 
 #include "engine/core/AudioTranscoder.h"
 #include "engine/core/StreamCopier.h"
+#include "engine/core/SubtitleTranscoder.h"
 #include "engine/core/VideoTranscoder.h"
 
 #include <cstring>
@@ -14,6 +15,9 @@ std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& lo
     }
     if (plan.reference->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
         return std::make_unique<VideoTranscoder>(plan, muxer, losses);
+    }
+    if (plan.reference->codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE) {
+        return std::make_unique<SubtitleTranscoder>(plan, muxer, losses);
     }
     return std::make_unique<AudioTranscoder>(plan, muxer, losses);
 }

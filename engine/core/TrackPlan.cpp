@@ -2,6 +2,7 @@
 
 #include "engine/core/Canvas.h"
 #include "engine/core/PacketShape.h"
+#include "engine/core/SubtitleTranscoder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -120,7 +121,7 @@ std::vector<TrackPlan> planTracks(const Sources& sources) {
     for (std::size_t part = 0; part < sources.size(); ++part) {
         for (std::size_t index = 0; index < sources[part]->streamCount(); ++index) {
             const AVStream& stream = sources[part]->stream(index);
-            if (sources[part]->isWanted(stream)) {
+            if (sources[part]->isWanted(stream) || isTextSubtitle(stream)) {
                 TrackPlan& plan = trackFor(plans, sources, part, stream);
                 plan.streamOfPart[part] = index;
                 plan.streams.push_back(

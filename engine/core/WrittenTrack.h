@@ -35,6 +35,7 @@ public:
     std::uint64_t times = 0;          ///< chained over all packets, see chain()
     std::deque<std::uint64_t> hashes; ///< of each packet as it is stored
 
+    bool isText() const { return type == AVMEDIA_TYPE_SUBTITLE; }
     /// As the file has it: from the first packet's time to where the one shown last ends, or, where
     /// that is less, from the first decoding time to the end of the packet decoded last.
     std::int64_t duration() const;
