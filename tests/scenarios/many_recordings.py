@@ -5,6 +5,7 @@ usage: RC_BUILD=build/release tests/scenarios/many_recordings.py times|damage CO
   times   pictures at irregular times, transcoded and copied: every one is converted as it is
   damage  recordings of many kinds with damaged, missing and moved bytes: no crash, no run over
           20 s, no more than 1 GB, and nothing less than what ffmpeg decodes is called complete
+Ctrl-C ends it and says how many there were.
 """
 import random
 import resource
@@ -115,6 +116,9 @@ def main():
                 wrong = what(random.Random(seed + number), Path(name))
             except (subprocess.SubprocessError, ValueError):
                 wrong = traceback.format_exc(limit=1)
+            except KeyboardInterrupt:
+                count = number
+                break
         if wrong:
             bad += 1
             print(f"seed {seed + number}: {wrong}", flush=True)
