@@ -106,7 +106,9 @@ private:
     }
     /// Posts until one of them is neither dropped nor too late.
     void stopByOwnTask() {
-        while (!mQueue->isStopped()) {
+        for (int tries = 0; !mQueue->isStopped(); ++tries) {
+            // On a slow machine the meddler may drop every one of them.
+            mIsEnding = mIsEnding || tries > 1000;
             mQueue->post("stop", TaskFunction([weak = std::weak_ptr(mQueue)] {
                              if (const auto alive = weak.lock()) {
                                  alive->stop();

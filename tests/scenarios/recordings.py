@@ -10,7 +10,7 @@ from dataclasses import replace
 import comparison
 import oracle
 from make_recordings import Maker
-from program import LAUNCHER, RECORDINGS, WINE, Case, main
+from program import LAUNCHER, RECORDINGS, SANITIZER, WINE, Case, main
 
 make = Maker(RECORDINGS)
 
@@ -223,7 +223,7 @@ def add_rows():
 add_rows()
 
 
-@unittest.skipIf(WINE, "the limits are set as Linux does it")
+@unittest.skipIf(WINE or SANITIZER, "limits as Linux sets them, and a sanitizer needs far more")
 class Limits(Case):
     def limited(self, limit, *arguments):
         return self.run_program(limit, LAUNCHER, "--no-window", *arguments, program="prlimit")
