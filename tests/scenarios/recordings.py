@@ -91,7 +91,7 @@ TABLE = """
   seven_channels     sound-6.1.mka        channels=6,7
 * eight_channels     sound-7.1.mka
   languages          languages.mkv        copied=va
-* subtitles_mkv      subtitles.mkv        copied=va
+  subtitles_mkv      subtitles.mkv        copied=va
   subtitles_mp4      subtitles.mp4        copied=va
   subtitles_webm     subtitles.webm
 * chapters           chapters.mkv         copied=va tags='title artist comment date'

@@ -89,6 +89,9 @@ class Window(Case):
                 ends = [logged, "start exit timer", ":191 close::Close convert recording\n"]
                 self.assert_logged_in_order(*(ends if engine else ends[:1]))
 
+    def test_a_quit_before_the_engine_is_loaded_ends_the_run(self):
+        self.assertIn("returned 0", self.show("progress 1\nhold\nprogress 100\n", "quit"))
+
     def test_a_closed_converting_view_converts_on_and_all_is_torn_down(self):
         script = "progress 1\nhold\nwrite film\nprogress 100\n"
         output = self.show(script, "await=viewStart print escape print quit")
