@@ -20,7 +20,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         zelcore::Sources sources;
         sources.push_back(std::make_unique<zelcore::Source>(file.path(), stop));
         zelcore::Source& source = *sources.back();
-        source.discardUnwanted();
         source.start();
         source.duration();
         zelcore::planTracks(sources);
