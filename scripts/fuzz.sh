@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzzing programs and runs each for a while, one on each core.
 # Usage: scripts/fuzz.sh SECONDS [NAME...]     (no name: all of them)
+# FUZZ_SEED=N repeats the way that a run took; without it each run takes another.
 # What a run finds worth keeping stays in build/fuzz/corpus; an input that fails is left in
 # build/fuzz/findings and printed, and the exit status is 1. To make it a seed, fix the fault and
 # copy the input to fuzz/corpus/NAME.
@@ -42,7 +43,7 @@ run_one() {
     local name=$1 seeds=fuzz/corpus/$1 log=$build/findings/$1.log
     [ -d "$seeds" ] || seeds=$build/seeds/$1
     mkdir -p "$build/corpus/$name" "$build/findings/$name"
-    if "$build/fuzzers/$name" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
+    if "$build/fuzzers/$name" -max_total_time="$seconds" -timeout=20 -seed="${FUZZ_SEED:-0}" -rss_limit_mb=2048 \
         -print_final_stats=1 -artifact_prefix="$build/findings/$name/" \
         "$build/corpus/$name" "$seeds" >"$log" 2>&1; then
         echo "fuzz: $name: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") runs, nothing found"

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <span>
+#include <utility>
 
 namespace zelcore {
 
@@ -245,6 +246,7 @@ bool Source::read(AVPacket& packet) {
         const int result = readOnce(packet);
         const std::int64_t after = avio_tell(mDemuxer->pb);
         if (result >= 0) {
+            mIsMemoryAsked = false;
             mBlockTimes->restore(packet, *mDemuxer->streams[packet.stream_index]);
             if (mSkippedFrom) {
                 mComplaints.add(static_cast<std::int64_t>(*mSkippedFrom));
@@ -282,7 +284,7 @@ int Source::readOnce(AVPacket& packet) {
     // Demuxers take what they have no memory for as damaged, and step over it. But a damaged size
     // may also ask for more than there ever is.
     if (result == AVERROR(ENOMEM) || errno == ENOMEM) {
-        if (isMemoryShort()) {
+        if (!std::exchange(mIsMemoryAsked, true) && isMemoryShort()) {
             throw std::bad_alloc();
         }
         mComplaints.add(avio_tell(mDemuxer->pb));

@@ -6,8 +6,8 @@
 
 namespace zelcore {
 
-StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses)
-    : mMuxer(muxer), mLosses(losses), mTrack(muxer.written().size()) {
+StreamCopier::StreamCopier(const TrackPlan& plan, Muxer& muxer)
+    : mMuxer(muxer), mTrack(muxer.written().size()) {
     const AVStream& from = *plan.reference;
     AVStream& to = muxer.addTrack(*from.codecpar, from.time_base);
     to.avg_frame_rate = from.avg_frame_rate;

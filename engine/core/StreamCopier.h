@@ -10,7 +10,7 @@ namespace zelcore {
 /// Takes packets over as they are.
 class StreamCopier : public Track {
 public:
-    StreamCopier(const TrackPlan& plan, Muxer& muxer, Losses& losses);
+    StreamCopier(const TrackPlan& plan, Muxer& muxer);
 
     void beginPart(const AVStream& stream) override;
     void accept(AVPacket& packet) override;
@@ -22,7 +22,6 @@ private:
     void writeHeld(std::int64_t next);
 
     Muxer& mMuxer;
-    Losses& mLosses;
     std::size_t mTrack;
     bool mAwaitsKeyFrame = false;
     std::size_t mDelay = 0; ///< how many pictures may wait to be shown

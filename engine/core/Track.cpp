@@ -11,7 +11,7 @@ namespace zelcore {
 
 std::unique_ptr<Track> makeTrack(const TrackPlan& plan, Muxer& muxer, Losses& losses) {
     if (plan.isCopied) {
-        return std::make_unique<StreamCopier>(plan, muxer, losses);
+        return std::make_unique<StreamCopier>(plan, muxer);
     }
     if (plan.reference->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
         return std::make_unique<VideoTranscoder>(plan, muxer, losses);
