@@ -54,7 +54,7 @@ struct Sum {
 
 struct Callable {
     Sum* sum;
-    std::array<std::uint64_t, 5> words;
+    std::array<std::uint64_t, 1> words;
 
     void operator()() const {
         std::uint64_t total = sum->value.load(std::memory_order_relaxed);
@@ -65,7 +65,7 @@ struct Callable {
         sum->runs.store(sum->runs.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     }
 };
-static_assert(sizeof(Callable) == 48);
+static_assert(sizeof(Callable) == 16);
 
 template <class Queue>
 void postBursts(Queue& queue, std::vector<std::uint64_t>& posts) {
@@ -74,7 +74,7 @@ void postBursts(Queue& queue, std::vector<std::uint64_t>& posts) {
     for (int burst = 0; burst < kBursts; ++burst) {
         for (int call = 0; call < kUntimed + kTimed; ++call) {
             const auto number = static_cast<std::uint64_t>(call);
-            const Callable callable{&sum, {number, number, number, number, number}};
+            const Callable callable{&sum, {number}};
             const std::uint64_t before = Clock::ticks();
             queue.post(callable);
             const std::uint64_t after = Clock::ticks();
@@ -97,7 +97,7 @@ void postToIdleWorker(Queue& queue, std::vector<std::uint64_t>& latencies) {
         std::this_thread::sleep_for(std::chrono::microseconds(100));
         ran.store(0, std::memory_order_relaxed);
         const std::uint64_t before = Clock::ticks();
-        queue.post([&ran, padding = std::array<std::uint64_t, 5>{}] {
+        queue.post([&ran, padding = std::array<std::uint64_t, 1>{}] {
             ran.store(Clock::ticks() + padding[0], std::memory_order_release);
         });
         std::uint64_t after = 0;

@@ -4,6 +4,8 @@
 #include "AsyncQueue/QueueWorker.h"
 #include "logging/LogCall.h"
 
+#include <algorithm>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -14,12 +16,19 @@ constexpr std::uint32_t kFrontPosition = 1;
 
 std::atomic<std::uint64_t> queueCreationCount{0};
 
+void moveTasks(std::uint32_t type, std::deque<QueuedTask>& from, std::deque<QueuedTask>& to) {
+    const auto first = std::stable_partition(
+        from.begin(), from.end(), [&](const QueuedTask& task) { return task.type != type; });
+    to.insert(to.end(), std::move_iterator(first), std::move_iterator(from.end()));
+    from.erase(first, from.end());
+}
+
 } // namespace
 
 AsyncQueue::AsyncQueue(const std::string& name, bool registerThread)
     : mContext(std::make_shared<Context>()) {
     ++queueCreationCount;
-    mContext->mState.exchange(State::Running);
+    mContext->mState.store(State::Running);
     mContext->mName = name;
     mContext->mRegisterThread = registerThread;
     std::thread worker([context = mContext] {
@@ -42,21 +51,16 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
     if (state == State::Exiting || state == State::Stopped) {
         return;
     }
-    std::string name = taskName;
-    const auto put = [&](QueuedTask& element) noexcept {
-        element.task = std::move(task);
-        element.type = taskType;
-        element.name = std::move(name);
-    };
-    const auto lock = mContext->lockShortly();
+    QueuedTask queued{std::move(task), taskType, taskName};
+    const std::lock_guard lock(mContext->mMutex);
     const bool isHeldBack = mContext->isInitialiserPhase();
     if (position != kFrontPosition) {
-        put((isHeldBack ? mContext->mPendingQueue : mContext->mQueue).growBack());
+        (isHeldBack ? mContext->mPendingQueue : mContext->mQueue).push_back(std::move(queued));
     } else if (isHeldBack) {
-        put(mContext->mPendingQueue.growFront());
+        mContext->mPendingQueue.push_front(std::move(queued));
     } else {
         const std::lock_guard takenLock(mContext->mTakenMutex);
-        put(mContext->mTaken.growFront());
+        mContext->mTaken.push_front(std::move(queued));
     }
     if (!mContext->mSuspended.load()) {
         mContext->wakeWorker();
@@ -65,15 +69,14 @@ void AsyncQueue::post(const std::string& taskName, TaskFunction&& task, std::uin
 
 void AsyncQueue::cancelTasks(std::uint32_t taskType) {
     Context::Queue dropped; // destroyed after the locks
-    const auto isOfType = [&](const QueuedTask& element) { return element.type == taskType; };
     const std::lock_guard lock(mContext->mMutex);
     if (mContext->isInitialiserPhase()) {
-        mContext->mPendingQueue.moveIf(isOfType, dropped);
+        moveTasks(taskType, mContext->mPendingQueue, dropped);
         return;
     }
     const std::lock_guard takenLock(mContext->mTakenMutex);
-    mContext->mTaken.moveIf(isOfType, dropped);
-    mContext->mQueue.moveIf(isOfType, dropped);
+    moveTasks(taskType, mContext->mTaken, dropped);
+    moveTasks(taskType, mContext->mQueue, dropped);
 }
 
 void AsyncQueue::clear() {
@@ -100,7 +103,7 @@ bool AsyncQueue::suspend(std::function<void()> callback) {
     if (!wasEmpty && callback) {
         mContext->mHasFinishedFunc.swap(callback);
     } else {
-        mContext->mSuspended.exchange(true);
+        mContext->mSuspended.store(true);
     }
     return wasEmpty;
 }
@@ -146,7 +149,7 @@ void AsyncQueue::stop() {
                     "Encountered unexpected exception while calling mThread.join()");
         return;
     }
-    mContext->mState.exchange(State::Stopped);
+    mContext->mState.store(State::Stopped);
 }
 
 std::thread::id AsyncQueue::threadId() {

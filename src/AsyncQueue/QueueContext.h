@@ -1,12 +1,12 @@
 #pragma once
 
 #include "AsyncQueue/AsyncQueue.h"
-#include "AsyncQueue/BlockDeque.h"
 #include "AsyncQueue/ShortWait.h"
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
 
 namespace tarn {
@@ -23,11 +23,11 @@ struct QueuedTask {
 /// posters, who meet it at mMutex, meet it once for many tasks. What it has not started stays in
 /// mTaken, where whoever holds both mutexes can put a task in front, drop tasks and count them.
 struct AsyncQueue::Context {
-    using Queue = BlockDeque<QueuedTask>;
+    using Queue = std::deque<QueuedTask>;
     using Lock = std::unique_lock<std::mutex>;
 
     std::mutex mMutex; ///< all queues, mHasFinishedFunc, changes of mSuspended, mIsWorkerWaiting
-    std::atomic<std::uint32_t> mWakeCount{0}; ///< tells a worker that looks for work of some
+    std::atomic<std::uint32_t> mWakeCount{0}; ///< a worker that looks for work sees it change
     bool mIsWorkerWaiting = false;            ///< spares a wake-up that nobody waits for
     Queue mQueue;
     Queue mPendingQueue; ///< posts of the initialiser phase
@@ -63,7 +63,6 @@ struct AsyncQueue::Context {
         const State state = mState.load();
         return state == State::Initialising || state == State::Processing;
     }
-    Lock lockShortly() { return shortWait::lock(mMutex); }
 
     /// With mMutex held. On the worker's thread, or with mTakenMutex held.
     bool isActiveQueueEmpty() const { return mTaken.empty() && mQueue.empty(); }

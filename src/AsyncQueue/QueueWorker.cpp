@@ -27,7 +27,7 @@ QueueWorker::QueueWorker(std::shared_ptr<AsyncQueue::Context> context)
       mScope("AsyncQueue::" + mName, mContext->mRegisterThread) {
 }
 
-void QueueWorker::doWork() {
+void QueueWorker::run() {
     mContext->mThreadId.store(std::this_thread::get_id());
     mContext->setCurrentTaskName({});
     Lock lock(mContext->mMutex);
@@ -64,7 +64,7 @@ void QueueWorker::idle(Lock& lock) {
 }
 
 void QueueWorker::suspendSelf(Lock& lock) {
-    mContext->mSuspended.exchange(true);
+    mContext->mSuspended.store(true);
     {
         std::function<void()> callback;
         {
@@ -106,7 +106,7 @@ void QueueWorker::swapQueues(Lock& lock) {
     const bool isDry = mContext->isActiveQueueEmpty();
     if (before == State::Processing && isDry) {
         mContext->mQueue.swap(mContext->mPendingQueue);
-        mContext->mState.exchange(State::Running);
+        mContext->mState.store(State::Running);
     }
     const State after = mContext->mState.load();
     // The lines may be posted to this very queue.
@@ -138,7 +138,7 @@ bool QueueWorker::runTasks(Lock& lock) {
         task = TaskFunction();
         describeWhenDetached();
     }
-    lock = mContext->lockShortly();
+    lock.lock();
     return true;
 }
 

@@ -16,12 +16,11 @@ public:
 
     /// Until the queue is exiting and has no tasks left, or a task throws
     /// AsyncQueueDestroyedException.
-    void run() { doWork(); }
+    void run();
 
 private:
     using Lock = std::unique_lock<std::mutex>;
 
-    void doWork();
     void suspendSelf(Lock& lock);
     void callSuspensionCallback(const std::function<void()>& callback);
     /// Lets what was held back during the initialiser phase follow.

@@ -1,16 +1,12 @@
 #pragma once
 
 #include <chrono>
-#include <mutex>
 
 /// Ways of waiting for what takes less time than a system call. None of them yields: on a busy
 /// machine that is the end of the line, behind a sleeper's wake-up.
 namespace tarn::shortWait {
 
 void pause(int times) noexcept;
-
-/// Takes a mutex, which nobody holds for long, rather by trying than by a system call.
-std::unique_lock<std::mutex> lock(std::mutex& mutex);
 
 /// Looks until `hasCome()`, for so long at most; false when it did not come. In a burst a worker
 /// that is faster than its posters would take each task by itself, and the memory that they share

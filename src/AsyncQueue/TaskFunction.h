@@ -1,16 +1,15 @@
 #pragma once
 
 #include "AsyncQueue/CallSite.h"
-#include "AsyncQueue/InlineCallable.h"
 
 #include <concepts>
+#include <functional>
 #include <type_traits>
 #include <utility>
 
 namespace tarn {
 
-/// Holds one task. It moves, it does not copy, and what it holds need not copy either; a callable
-/// of up to six pointers is held without an allocation.
+/// Holds one task. It moves, it does not copy, and what it holds need not copy either.
 class TaskFunction {
 public:
     TaskFunction() = default;
@@ -29,7 +28,7 @@ public:
     template <typename Callable>
     requires(!std::same_as<std::remove_cvref_t<Callable>, TaskFunction>) TaskFunction& operator=(
         Callable&& callable) {
-        mTask.set([inner = std::forward<Callable>(callable)]() mutable { inner(); });
+        mTask = [inner = std::forward<Callable>(callable)]() mutable { inner(); };
         return *this;
     }
 
@@ -38,7 +37,7 @@ public:
     void operator()(CallSite where);
 
 private:
-    InlineCallable mTask;
+    std::move_only_function<void()> mTask;
 };
 
 } // namespace tarn

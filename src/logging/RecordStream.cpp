@@ -45,14 +45,14 @@ std::unique_ptr<RecordBlock> RecordStream::makeBlock(const LogRecord& first) {
 }
 
 void RecordStream::closeBatch() {
-    const auto lock = shortWait::lock(mMutex);
+    const std::lock_guard lock(mMutex);
     if (const BatchPointer batch = std::exchange(mOpen, nullptr); batch != nullptr) {
         batch->isEmptyAndOpen.store(false, std::memory_order_relaxed);
     }
 }
 
 RecordStream::Blocks RecordStream::take(Batch& batch) {
-    const auto lock = shortWait::lock(mMutex);
+    const std::lock_guard lock(mMutex);
     Blocks taken = std::exchange(batch.blocks, {});
     if (mOpen.get() == &batch) {
         batch.isEmptyAndOpen.store(true, std::memory_order_relaxed);
@@ -65,7 +65,7 @@ RecordStream::Blocks RecordStream::take(Batch& batch) {
 
 void RecordStream::giveBack(std::unique_ptr<RecordBlock> block) noexcept {
     block->clear();
-    const auto lock = shortWait::lock(mMutex);
+    const std::lock_guard lock(mMutex);
     if (block->isUsual() && mFree.size() < kMostFree) {
         mFree.push_back(std::move(block)); // within what was reserved
     }

@@ -26,7 +26,7 @@ public:
     /// Adds a record to the open batch; `post(batch)` is to post the task of a new one. Any thread;
     /// nobody waits but for others who add.
     void add(const LogRecord& record, const auto& post) {
-        const auto lock = shortWait::lock(mMutex);
+        const std::lock_guard lock(mMutex);
         if (mOpen.use_count() < 2) { // there is none, or its task was dropped
             mOpen = nullptr;
             BatchPointer batch = makeBatch();
