@@ -24,7 +24,7 @@ packages_windows=(
     g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64
     dpkg-dev make meson nasm osslsigncode openssl xz-utils
 )
-packages_bench=(libspdlog-dev libbenchmark-dev libboost-dev zip time)
+packages_bench=(libspdlog-dev libboost-dev zip time)
 
 wanted=()
 for set in "$@"; do
