@@ -1,7 +1,5 @@
 #include "engine/core/PartWatch.h"
 
-#include "engine/core/SubtitleTranscoder.h"
-
 #include <algorithm>
 #include <cstring>
 #include <span>

@@ -1,7 +1,6 @@
 #include "engine/core/Source.h"
 
 #include "engine/core/DeclaredSize.h"
-#include "engine/core/SubtitleTranscoder.h"
 #include "engine/core/Trace.h"
 
 #include <algorithm>
@@ -99,6 +98,15 @@ MuxerPtr copyOfWhatIsKnown(const AVFormatContext& from) {
 }
 
 } // namespace
+
+bool isTextSubtitle(const AVStream& stream) {
+    static constexpr std::array codecs = {AV_CODEC_ID_SUBRIP, AV_CODEC_ID_WEBVTT, AV_CODEC_ID_ASS,
+                                          AV_CODEC_ID_MOV_TEXT, AV_CODEC_ID_TEXT};
+    const AVCodecParameters& parameters = *stream.codecpar;
+    return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE &&
+           std::ranges::find(codecs, parameters.codec_id) != codecs.end() &&
+           avcodec_find_decoder(parameters.codec_id) != nullptr;
+}
 
 Source::Source(std::string path, const StopFlag& stop) : mPath(std::move(path)), mStop(stop) {
     openDemuxer();

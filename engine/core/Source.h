@@ -14,6 +14,9 @@
 
 namespace zelcore {
 
+/// True for subtitles that are text, not pictures of it.
+bool isTextSubtitle(const AVStream& stream);
+
 /// One source: a part of the recording. What was found in it when it was first opened stays known
 /// while it is closed, so that thousands of parts need neither memory nor open files before their
 /// turn. Throws Failure for everything that is no recording.

@@ -3,7 +3,6 @@
 #include "engine/core/Trace.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 
 namespace zelcore {
@@ -40,15 +39,6 @@ struct SubtitleFree {
 };
 
 } // namespace
-
-bool isTextSubtitle(const AVStream& stream) {
-    static constexpr std::array codecs = {AV_CODEC_ID_SUBRIP, AV_CODEC_ID_WEBVTT, AV_CODEC_ID_ASS,
-                                          AV_CODEC_ID_MOV_TEXT, AV_CODEC_ID_TEXT};
-    const AVCodecParameters& parameters = *stream.codecpar;
-    return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE &&
-           std::ranges::find(codecs, parameters.codec_id) != codecs.end() &&
-           avcodec_find_decoder(parameters.codec_id) != nullptr;
-}
 
 SubtitleTranscoder::SubtitleTranscoder(const TrackPlan& plan, Muxer& muxer, Losses& losses)
     : mMuxer(muxer),

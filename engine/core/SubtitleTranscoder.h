@@ -8,9 +8,6 @@
 
 namespace zelcore {
 
-/// True for subtitles that are text, not pictures of it.
-bool isTextSubtitle(const AVStream& stream);
-
 /// Makes MP4's timed text of any other. There, one piece of text takes the place of the one before:
 /// where several are shown at a time, they are joined.
 class SubtitleTranscoder : public Track {

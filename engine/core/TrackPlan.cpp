@@ -2,7 +2,6 @@
 
 #include "engine/core/Canvas.h"
 #include "engine/core/PacketShape.h"
-#include "engine/core/SubtitleTranscoder.h"
 
 #include <algorithm>
 #include <cstring>
