@@ -1,5 +1,6 @@
 #include "launcher/Launcher.h"
 
+#include "client/LogLocations.h"
 #include "launcher/ArchiveLogs.h"
 #include "launcher/Options.h"
 #include "launcher/Paths.h"
@@ -8,8 +9,7 @@
 #include "launcher/TerminalConversion.h"
 #include "launcher/Texts.h"
 #include "launcher/WindowConversion.h"
-#include "logging/LogCall.h"
-#include "logging/LogLocations.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "platform/Identity.h"
 #include "platform/Interrupt.h"

@@ -1,9 +1,9 @@
 #include "launcher/Report.h"
 
+#include "client/LogLocations.h"
 #include "launcher/Say.h"
 #include "launcher/Texts.h"
-#include "logging/LogCall.h"
-#include "logging/LogLocations.h"
+#include "log/LogCall.h"
 #include "utils/FileUtils.h"
 
 namespace launcher {

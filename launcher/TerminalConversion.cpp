@@ -8,7 +8,7 @@
 #include "launcher/Say.h"
 #include "launcher/TerminalSession.h"
 #include "launcher/Texts.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "platform/Interrupt.h"
 

@@ -1,6 +1,6 @@
 #include "launcher/Translations.h"
 
-#include "loader/ClientFolders.h"
+#include "client/ClientFolders.h"
 #include "utils/FileUtils.h"
 
 namespace launcher {

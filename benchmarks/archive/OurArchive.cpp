@@ -1,6 +1,6 @@
 #include "archive/OurArchive.h"
 
-#include "logging/FileLogger.h"
+#include "logging/file/FileLogger.h"
 #include "utils/FileUtils.h"
 
 #include <memory>

@@ -1,8 +1,8 @@
 #include "logging/OurLogging.h"
 
-#include "logging/FileLogger.h"
-#include "logging/LogLocations.h"
+#include "client/LogLocations.h"
 #include "logging/RootLogger.h"
+#include "logging/file/FileLogger.h"
 #include "utils/FileUtils.h"
 
 namespace benchmarks {

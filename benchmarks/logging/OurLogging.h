@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AsyncQueue/AsyncQueue.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 
 #include <memory>
 #include <string>

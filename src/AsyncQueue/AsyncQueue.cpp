@@ -2,7 +2,7 @@
 
 #include "AsyncQueue/QueueContext.h"
 #include "AsyncQueue/QueueWorker.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 
 #include <algorithm>
 #include <iterator>

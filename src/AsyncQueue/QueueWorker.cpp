@@ -1,7 +1,7 @@
 #include "AsyncQueue/QueueWorker.h"
 
 #include "AsyncQueue/AsyncQueueDestroyedException.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "threading/ScopedThreadNotifications.h"
 #include "threading/ThreadUtilities.h"
 

@@ -1,7 +1,7 @@
 #include "app/MediaConverterController.h"
 
 #include "app/LocalizationStrings.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "recordconverter/SourceList.h"
 #include "recordconverter/WinMediaConverter.h"

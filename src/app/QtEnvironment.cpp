@@ -1,6 +1,6 @@
 #include "app/QtEnvironment.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/Library.h"
 #include "platform/Text.h"
 

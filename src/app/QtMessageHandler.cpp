@@ -1,6 +1,6 @@
 #include "app/QtMessageHandler.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/Text.h"
 
 #include <QString>

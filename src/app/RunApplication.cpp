@@ -5,7 +5,7 @@
 #include "app/QtEnvironment.h"
 #include "app/Translator.h"
 #include "app/ViewMask.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "platform/Interrupt.h"
 #include "platform/Text.h"

@@ -2,7 +2,7 @@
 
 #include "app/EntryContext.h"
 #include "app/LocalizationStrings.h"
-#include "loader/ClientFolders.h"
+#include "client/ClientFolders.h"
 #include "platform/KnownFolders.h"
 
 #include <QLocale>

@@ -1,7 +1,7 @@
 #include "loader/LibraryLoader.h"
 
 #include "loader/PathRules.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
 #include "platform/LibraryFile.h"

@@ -1,6 +1,6 @@
 #include "loader/PolicySources.h"
 
-#include "loader/ClientFolders.h"
+#include "client/ClientFolders.h"
 #include "platform/Identity.h"
 #include "platform/Signature.h"
 

@@ -1,7 +1,7 @@
 #include "logging/RootLogger.h"
 
 #include "AsyncQueue/AsyncQueue.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/LogOutput.h"
 #include "logging/RecordStream.h"
 #include "logging/Scrubber.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "log/Level.h"
 #include "logging/ILogger.h"
-#include "logging/Level.h"
 #include "logging/LevelFilter.h"
 #include "logging/RecordStream.h"
 

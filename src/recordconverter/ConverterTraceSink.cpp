@@ -1,6 +1,6 @@
 #include "recordconverter/ConverterTraceSink.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "threading/Assertion.h"
 

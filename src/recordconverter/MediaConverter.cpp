@@ -1,6 +1,6 @@
 #include "recordconverter/MediaConverter.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "utils/FileUtils.h"
 
 #include <utility>

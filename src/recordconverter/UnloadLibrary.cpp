@@ -1,6 +1,6 @@
 #include "recordconverter/UnloadLibrary.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 
 namespace recordconverter {
 

@@ -1,9 +1,9 @@
 #include "recordconverter/WinConverterLog.h"
 
 #include "loader/LibraryLoader.h"
-#include "logging/LogCall.h"
-#include "logging/LogSetup.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
+#include "logging/file/LogSetup.h"
 #include "platform/Text.h"
 #include "recordconverter/UnloadLibrary.h"
 

@@ -1,7 +1,7 @@
 #include "recordconverter/WinMediaConverter.h"
 
 #include "loader/LibraryLoader.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/Text.h"
 #include "recordconverter/UnloadLibrary.h"
 

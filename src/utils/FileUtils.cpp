@@ -1,10 +1,10 @@
 #include "utils/FileUtils.h"
 
+#include "log/LogScope.h"
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
 #include "utils/FileNames.h"
-#include "utils/LogScope.h"
 
 #include <cerrno>
 #include <fstream>

@@ -1,6 +1,6 @@
+#include "log/LogScope.h"
 #include "platform/Files.h"
 #include "utils/FileUtils.h"
-#include "utils/LogScope.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
+#include "log/LogScope.h"
 #include "platform/Files.h"
 #include "platform/OpenFolder.h"
 #include "utils/FileNames.h"
 #include "utils/FileUtils.h"
-#include "utils/LogScope.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/FileLogger.h"
+#include "logging/file/FileLogger.h"
 #include "platform/KnownFolders.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"

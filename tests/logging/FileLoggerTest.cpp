@@ -1,5 +1,5 @@
+#include "client/SettingsTable.h"
 #include "logging/FileLoggerFixture.h"
-#include "logging/SettingsTable.h"
 
 namespace tarn {
 namespace {

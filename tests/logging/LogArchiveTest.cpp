@@ -1,6 +1,6 @@
 #include "logging/FileLoggerFixture.h"
-#include "logging/LogArchive.h"
-#include "logging/ZipEntryNames.h"
+#include "logging/archive/LogArchive.h"
+#include "logging/archive/ZipEntryNames.h"
 #include "support/LogRecorder.h"
 
 namespace tarn {

@@ -1,8 +1,8 @@
 // Everything that the logger can be asked for, by many threads at once.
 
-#include "logging/FileLogger.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
+#include "logging/file/FileLogger.h"
 #include "support/TemporaryFolder.h"
 #include "utils/FileUtils.h"
 

@@ -1,5 +1,5 @@
 #include "AsyncQueue/AsyncQueue.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "logging/RootLogger.h"
 #include "support/LogRecorder.h"
 #include "support/Signal.h"

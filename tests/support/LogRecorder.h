@@ -1,7 +1,7 @@
 #pragma once
 
+#include "log/LogCall.h"
 #include "logging/ILogger.h"
-#include "logging/LogCall.h"
 
 #include <gtest/gtest.h>
 

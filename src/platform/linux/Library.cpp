@@ -1,6 +1,6 @@
 #include "platform/Library.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"
 

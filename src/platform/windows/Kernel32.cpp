@@ -1,6 +1,6 @@
 #include "platform/windows/Kernel32.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/KnownFolders.h"
 #include "platform/Library.h"
 #include "platform/Text.h"

@@ -1,5 +1,5 @@
 #include "logging/FileLoggerFixture.h"
-#include "logging/LogArchive.h"
+#include "logging/archive/LogArchive.h"
 #include "support/linux/FileSizeLimit.h"
 
 #include <filesystem>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "logging/ILogger.h"
-#include "logging/LogFile.h"
-#include "logging/RunSlot.h"
+#include "logging/file/LogFile.h"
+#include "logging/file/RunSlot.h"
 #include "utils/IFileUtils.h"
 
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "logging/ZipEntryNames.h"
+#include "logging/archive/ZipEntryNames.h"
 
 #include "platform/Text.h"
 #include "utils/FileNames.h"

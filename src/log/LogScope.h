@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 
 #include <string_view>
 

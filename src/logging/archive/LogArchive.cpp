@@ -1,6 +1,6 @@
-#include "logging/LogArchive.h"
+#include "logging/archive/LogArchive.h"
 
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 #include "platform/Files.h"
 #include "platform/PrivateFile.h"
 

@@ -1,4 +1,4 @@
-#include "logging/SessionHeader.h"
+#include "logging/file/SessionHeader.h"
 
 #include "platform/AppendFile.h"
 #include "platform/Files.h"

@@ -1,4 +1,4 @@
-#include "loader/ClientFolders.h"
+#include "client/ClientFolders.h"
 
 #include "platform/KnownFolders.h"
 

@@ -1,4 +1,4 @@
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
 
 #include <atomic>
 #include <memory>

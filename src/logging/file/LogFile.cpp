@@ -1,4 +1,4 @@
-#include "logging/LogFile.h"
+#include "logging/file/LogFile.h"
 
 namespace tarn {
 

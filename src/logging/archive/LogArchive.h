@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/ZipFolder.h"
+#include "logging/archive/ZipFolder.h"
 #include "platform/OpenFolder.h"
 #include "utils/IFileUtils.h"
 

@@ -1,4 +1,4 @@
-#include "logging/ZipWriter.h"
+#include "logging/archive/ZipWriter.h"
 
 #include "platform/LocalTime.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/LogFileNames.h"
+#include "logging/file/LogFileNames.h"
 #include "platform/FileLock.h"
 #include "utils/IFileUtils.h"
 

@@ -1,7 +1,7 @@
-#include "logging/BaseFileLogger.h"
+#include "logging/file/BaseFileLogger.h"
 
-#include "logging/LogLocations.h"
-#include "logging/SessionHeader.h"
+#include "client/LogLocations.h"
+#include "logging/file/SessionHeader.h"
 
 #include <atomic>
 #include <iostream>

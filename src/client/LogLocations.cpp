@@ -1,7 +1,7 @@
-#include "logging/LogLocations.h"
+#include "client/LogLocations.h"
 
-#include "loader/ClientFolders.h"
-#include "logging/SettingsTable.h"
+#include "client/ClientFolders.h"
+#include "client/SettingsTable.h"
 #include "utils/FileNames.h"
 
 namespace tarn {

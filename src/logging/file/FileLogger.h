@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/BaseFileLogger.h"
+#include "logging/file/BaseFileLogger.h"
 
 #include <functional>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "logging/Level.h"
+#include "log/Level.h"
 
 namespace tarn::RootLoggerLevel {
 

@@ -1,4 +1,4 @@
-#include "logging/LogFileNames.h"
+#include "logging/file/LogFileNames.h"
 
 namespace tarn {
 namespace {

@@ -1,4 +1,4 @@
-#include "logging/LogStream.h"
+#include "log/LogStream.h"
 
 #include <array>
 #include <charconv>

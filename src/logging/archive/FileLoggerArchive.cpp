@@ -1,6 +1,6 @@
-#include "logging/FileLogger.h"
-#include "logging/LogArchive.h"
-#include "logging/LogCall.h"
+#include "log/LogCall.h"
+#include "logging/archive/LogArchive.h"
+#include "logging/file/FileLogger.h"
 
 #include <exception>
 #include <string>

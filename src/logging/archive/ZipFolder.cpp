@@ -1,8 +1,8 @@
-#include "logging/ZipFolder.h"
+#include "logging/archive/ZipFolder.h"
 
-#include "logging/LogCall.h"
-#include "logging/ZipEntryNames.h"
-#include "logging/ZipWriter.h"
+#include "log/LogCall.h"
+#include "logging/archive/ZipEntryNames.h"
+#include "logging/archive/ZipWriter.h"
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"
 #include "platform/OpenFolder.h"

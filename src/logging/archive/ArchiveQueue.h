@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/FileLogger.h"
+#include "logging/file/FileLogger.h"
 
 namespace tarn {
 

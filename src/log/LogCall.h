@@ -1,7 +1,7 @@
 #pragma once
 
-#include "logging/Level.h"
-#include "logging/LogStream.h"
+#include "log/Level.h"
+#include "log/LogStream.h"
 
 #include <functional>
 #include <string_view>

@@ -1,9 +1,9 @@
-#include "logging/LogSetup.h"
+#include "logging/file/LogSetup.h"
 
+#include "client/LogLocations.h"
 #include "logging/ControlCharacters.h"
-#include "logging/FileLogger.h"
-#include "logging/LogLocations.h"
 #include "logging/RootLogger.h"
+#include "logging/file/FileLogger.h"
 #include "platform/Identity.h"
 #include "platform/KnownFolders.h"
 #include "platform/Text.h"

@@ -1,4 +1,4 @@
-#include "logging/ArchiveQueue.h"
+#include "logging/archive/ArchiveQueue.h"
 
 #include "AsyncQueue/AsyncQueue.h"
 

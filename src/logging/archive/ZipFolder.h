@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logging/Level.h"
+#include "log/Level.h"
 
 #include <string>
 

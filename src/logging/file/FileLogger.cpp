@@ -1,4 +1,4 @@
-#include "logging/FileLogger.h"
+#include "logging/file/FileLogger.h"
 
 namespace tarn {
 

@@ -1,4 +1,4 @@
-#include "logging/RunSlot.h"
+#include "logging/file/RunSlot.h"
 
 #include <algorithm>
 #include <utility>
