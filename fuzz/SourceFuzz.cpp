@@ -1,5 +1,5 @@
-#include "engine/core/Source.h"
-#include "engine/core/TrackPlan.h"
+#include "engine/media/Source.h"
+#include "engine/tracks/TrackPlan.h"
 #include "fuzz/MemoryFile.h"
 
 #include <cmath>

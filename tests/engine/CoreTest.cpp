@@ -1,6 +1,6 @@
 #include "engine/EngineUnderTest.h"
-#include "engine/core/Muxer.h"
-#include "engine/core/Verifier.h"
+#include "engine/media/Muxer.h"
+#include "engine/verify/Verifier.h"
 
 #include <fstream>
 

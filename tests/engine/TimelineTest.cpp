@@ -1,4 +1,4 @@
-#include "engine/core/Timeline.h"
+#include "engine/media/Timeline.h"
 
 #include <gmock/gmock.h>
 
