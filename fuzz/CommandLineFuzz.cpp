@@ -1,6 +1,6 @@
 #include "fuzz/Input.h"
 #include "launcher/Options.h"
-#include "launcher/SourceListEncoder.h"
+#include "launcher/window/SourceListEncoder.h"
 #include "recordconverter/SourceList.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "launcher/ProgressDisplay.h"
+#include "launcher/terminal/ProgressDisplay.h"
 
 #include <gtest/gtest.h>
 

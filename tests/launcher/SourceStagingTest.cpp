@@ -1,5 +1,5 @@
-#include "launcher/SourceListEncoder.h"
-#include "launcher/SourceStaging.h"
+#include "launcher/window/SourceListEncoder.h"
+#include "launcher/window/SourceStaging.h"
 #include "platform/Files.h"
 #include "recordconverter/SourceList.h"
 #include "support/TemporaryFolder.h"

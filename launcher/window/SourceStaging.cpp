@@ -1,4 +1,4 @@
-#include "launcher/SourceStaging.h"
+#include "launcher/window/SourceStaging.h"
 
 #include "platform/Files.h"
 #include "platform/KnownFolders.h"

@@ -1,4 +1,4 @@
-#include "launcher/WindowSystem.h"
+#include "launcher/window/WindowSystem.h"
 
 #include "launcher/Texts.h"
 #include "loader/LibraryLoader.h"

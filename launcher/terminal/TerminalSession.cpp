@@ -1,4 +1,4 @@
-#include "launcher/TerminalSession.h"
+#include "launcher/terminal/TerminalSession.h"
 
 #include <utility>
 

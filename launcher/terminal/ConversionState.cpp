@@ -1,4 +1,4 @@
-#include "launcher/ConversionState.h"
+#include "launcher/terminal/ConversionState.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "launcher/EngineComplaint.h"
+#include "launcher/terminal/EngineComplaint.h"
 
 namespace launcher {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcher/ConversionState.h"
+#include "launcher/terminal/ConversionState.h"
 #include "recordconverter/WinMediaConverter.h"
 
 #include <memory>

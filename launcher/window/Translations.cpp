@@ -1,4 +1,4 @@
-#include "launcher/Translations.h"
+#include "launcher/window/Translations.h"
 
 #include "client/ClientFolders.h"
 #include "utils/FileUtils.h"

@@ -4,7 +4,7 @@
 #include "launcher/ExitStatus.h"
 #include "launcher/JobFiles.h"
 #include "launcher/Preflight.h"
-#include "launcher/SourceStaging.h"
+#include "launcher/window/SourceStaging.h"
 
 #include <mutex>
 #include <optional>

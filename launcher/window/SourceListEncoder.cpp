@@ -1,4 +1,4 @@
-#include "launcher/SourceListEncoder.h"
+#include "launcher/window/SourceListEncoder.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "launcher/WindowEnding.h"
+#include "launcher/window/WindowEnding.h"
 
 #include "launcher/Report.h"
 #include "launcher/Say.h"
