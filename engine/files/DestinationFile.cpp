@@ -14,13 +14,13 @@ namespace zelcore {
 namespace {
 
 // Small enough to stay in the processor's cache until the system has copied it.
-constexpr int kBufferSize = 128 * 1024;
+constexpr int kWriteBufferSize = 128 * 1024;
 // The disk starts early, in such steps, and never lags further behind than the limit: the sync at
 // the end waits for little, and memory does not fill up with what is still to be written.
 constexpr std::uint64_t kWriteBackStep = 8 * 1024 * 1024;
 constexpr std::uint64_t kMostUnwritten = 64 * 1024 * 1024;
 
-bool isOneOf(const std::vector<std::string>& sources, const OsFile& file) {
+bool isASource(const std::vector<std::string>& sources, const OsFile& file) {
     FileState wanted;
     return file.state(wanted) != 0 ||
            std::ranges::any_of(sources, [&wanted](const std::string& source) {
@@ -37,15 +37,15 @@ DestinationFile::DestinationFile(std::string destination, const std::vector<std:
     refuseUnlessFree(sources);
     removeLeftovers(sources);
     createTemporary(sources);
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferSize));
-    mIo.reset(avio_alloc_context(buffer, kBufferSize, 1, this, nullptr, &onWrite, &onSeek));
+    auto* buffer = static_cast<unsigned char*>(av_malloc(kWriteBufferSize));
+    mIo.reset(avio_alloc_context(buffer, kWriteBufferSize, 1, this, nullptr, &onWrite, &onSeek));
     if (mIo == nullptr) {
         av_free(buffer);
         LiveTemporaries::instance().remove(mTemporary);
         throw std::bad_alloc();
     }
     // Else each packet is written by a call of its own.
-    mIo->min_packet_size = kBufferSize;
+    mIo->min_packet_size = kWriteBufferSize;
 }
 
 DestinationFile::~DestinationFile() {
@@ -99,7 +99,7 @@ void DestinationFile::removeLeftovers(const std::vector<std::string>& sources) c
         if (!isTemporaryName(name, destination) || OsFile::openToRemove(path, file) != 0) {
             continue;
         }
-        if (!carriesMark(file) || isOneOf(sources, file)) {
+        if (!carriesMark(file) || isASource(sources, file)) {
             trace(TraceLevel::Warning,
                   text("\"", name, "\" has the name of a temporary and is none: it stays"));
         } else if (file.remove(path) == 0) {

@@ -10,7 +10,7 @@ namespace {
 
 // Large enough that the kernel's read-ahead works in big steps, small enough to stay in the cache;
 // packets above it are read straight into place.
-constexpr int kBufferSize = 256 * 1024;
+constexpr int kReadBufferSize = 256 * 1024;
 
 [[noreturn]] void refuse(ErrorCode code, const std::string& path, const char* why) {
     throw Failure(code, text("Source \"", path, "\" ", why));
@@ -53,11 +53,11 @@ SourceFile::SourceFile(std::string path, const StopFlag& stop)
     if (mOpened.size == 0) {
         refuse(ErrorCode::SourceEmpty, mPath, "is empty");
     }
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferSize));
+    auto* buffer = static_cast<unsigned char*>(av_malloc(kReadBufferSize));
     if (buffer == nullptr) {
         throw std::bad_alloc();
     }
-    mIo.reset(avio_alloc_context(buffer, kBufferSize, 0, this, &onRead, nullptr, &onSeek));
+    mIo.reset(avio_alloc_context(buffer, kReadBufferSize, 0, this, &onRead, nullptr, &onSeek));
     if (mIo == nullptr) {
         av_free(buffer);
         throw std::bad_alloc();

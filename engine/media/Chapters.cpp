@@ -10,7 +10,7 @@ namespace zelcore {
 
 namespace {
 
-constexpr AVRational kClock{1, 1000};
+constexpr AVRational kChapterClock{1, 1000};
 /// Longer titles have no place in an MP4's list of chapters.
 constexpr std::size_t kLongestTitle = 255;
 
@@ -56,9 +56,9 @@ void addChapters(const std::vector<Chapter>& chapters, AVFormatContext& to) {
         auto chapter = owned<ChapterPtr>(static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter))));
         const Ticks next = i + 1 < chapters.size() ? chapters[i + 1].begin : INT64_MAX;
         chapter->id = static_cast<std::int64_t>(i);
-        chapter->time_base = kClock;
-        chapter->start = av_rescale_q(from.begin, kTicks, kClock);
-        chapter->end = av_rescale_q(std::clamp(from.end, from.begin, next), kTicks, kClock);
+        chapter->time_base = kChapterClock;
+        chapter->start = av_rescale_q(from.begin, kTicks, kChapterClock);
+        chapter->end = av_rescale_q(std::clamp(from.end, from.begin, next), kTicks, kChapterClock);
         require(av_dict_set(&chapter->metadata, "title", from.title.c_str(), 0), "chapter");
         to.chapters[to.nb_chapters++] = chapter.release();
     }

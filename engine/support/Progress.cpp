@@ -7,7 +7,7 @@ namespace zelcore {
 namespace {
 
 constexpr float kHighest = 99.0F; // the rest is the disk and the verification
-constexpr float kStep = 1.0F;
+constexpr float kSmallestStep = 1.0F;
 constexpr auto kInterval = std::chrono::milliseconds(500);
 
 } // namespace
@@ -17,7 +17,7 @@ void Progress::update(double share) {
     if (percent <= mLast) {
         return;
     }
-    if (percent < mLast + kStep) {
+    if (percent < mLast + kSmallestStep) {
         const auto now = std::chrono::steady_clock::now();
         if (now - mLastTime < kInterval) {
             return;

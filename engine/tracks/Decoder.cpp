@@ -9,13 +9,13 @@ namespace zelcore {
 
 namespace {
 
-constexpr std::int64_t kBytesForThreads = 96 << 20;
+constexpr std::int64_t kDecoderThreadBytes = 96 << 20;
 
 /// Each thread holds a picture or two.
 int threadsFor(const AVCodecParameters& parameters) {
     const std::int64_t pixels =
         std::max<std::int64_t>(static_cast<std::int64_t>(parameters.width) * parameters.height, 1);
-    const auto most = std::clamp<std::int64_t>(kBytesForThreads / (pixels * 3 / 2 + 1), 1, 16);
+    const auto most = std::clamp<std::int64_t>(kDecoderThreadBytes / (pixels * 3 / 2 + 1), 1, 16);
     return static_cast<int>(std::min<std::int64_t>(av_cpu_count() + 1, most));
 }
 

@@ -38,12 +38,12 @@ AVRational frameRate(const TrackPlan& plan) {
 
 // An encoder holds some twenty pictures, with more than their own size of what it found in each,
 // and two for each thread. Up to 4K that is less than 1 GB.
-constexpr std::int64_t kBytesForThreads = 512 << 20;
+constexpr std::int64_t kEncoderThreadBytes = 512 << 20;
 constexpr std::int64_t kMostPixelsUnbounded = 4096 * 2304;
 
 void boundMemory(AVCodecContext& codec) {
     const std::int64_t pixels = PictureSize{codec.width, codec.height}.area();
-    const std::int64_t most = std::clamp<std::int64_t>(kBytesForThreads / (pixels * 6), 1, 16);
+    const std::int64_t most = std::clamp<std::int64_t>(kEncoderThreadBytes / (pixels * 6), 1, 16);
     // By itself it takes half as many again as there are processors.
     codec.thread_count = static_cast<int>(std::min<std::int64_t>(av_cpu_count() * 3 / 2, most));
     if (pixels <= kMostPixelsUnbounded) {

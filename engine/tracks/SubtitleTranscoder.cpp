@@ -9,7 +9,7 @@ namespace zelcore {
 
 namespace {
 
-constexpr AVRational kClock{1, 1000};
+constexpr AVRational kTextClock{1, 1000};
 constexpr Ticks kLongestOpen = 5 * Ticks{kTicks.den};
 /// A piece of timed text says its length in 16 bits; its styles come besides.
 constexpr int kLargestPiece = 128 * 1024;
@@ -47,7 +47,7 @@ SubtitleTranscoder::SubtitleTranscoder(const TrackPlan& plan, Muxer& muxer, Loss
       mDecoder(openDecoder(*plan.reference)) {
     const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MOV_TEXT);
     mEncoder = owned<CodecPtr>(avcodec_alloc_context3(codec));
-    mEncoder->time_base = kClock;
+    mEncoder->time_base = kTextClock;
     if (mDecoder != nullptr && mDecoder->subtitle_header_size > 0) {
         const auto size = static_cast<std::size_t>(mDecoder->subtitle_header_size);
         mEncoder->subtitle_header = static_cast<std::uint8_t*>(av_mallocz(size + 1));
@@ -63,7 +63,7 @@ SubtitleTranscoder::SubtitleTranscoder(const TrackPlan& plan, Muxer& muxer, Loss
     }
     const auto parameters = owned<ParametersPtr>(avcodec_parameters_alloc());
     require(avcodec_parameters_from_context(parameters.get(), mEncoder.get()), "subtitles");
-    copyTrackProperties(*plan.reference, mMuxer.addTrack(*parameters, kClock));
+    copyTrackProperties(*plan.reference, mMuxer.addTrack(*parameters, kTextClock));
 }
 
 void SubtitleTranscoder::beginPart(const AVStream& stream) {
