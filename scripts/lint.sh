@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Static checks: clang-format, shellcheck, Python, forbidden waits, cppcheck and clang-tidy, cheapest
-# first. qmllint is one of the tests.
-# Usage: scripts/lint.sh [format|shell|python|waits|cppcheck|tidy|tidy-tests|size]...
+# Static checks: clang-format, shellcheck, Python, the order of the layers, forbidden waits, cppcheck
+# and clang-tidy, cheapest first. qmllint is one of the tests.
+# Usage: scripts/lint.sh [format|shell|python|layers|waits|cppcheck|tidy|tidy-tests|size]...
 #        (none: all of them but size)
 # Works on the dev preset, which it configures and builds (headers are generated there). What passed
 # is remembered under build/dev, so that an unchanged file costs nothing.
@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 
 build=build/dev
 checks=("$@")
-[ ${#checks[@]} -gt 0 ] || checks=(format shell python waits cppcheck tidy tidy-tests)
+[ ${#checks[@]} -gt 0 ] || checks=(format shell python layers waits cppcheck tidy tidy-tests)
 failed=()
 
 sources() { git ls-files --cached --others --exclude-standard -- "$@"; }
@@ -27,6 +27,8 @@ lint_python() {
     sources '*.py' | xargs -r black --check --quiet --diff --line-length=100
     sources '*.py' | xargs -r flake8 --max-line-length=100 --extend-ignore=E203
 }
+
+lint_layers() { scripts/layers.py; }
 
 # How much there is of the tests for the product that they test.
 lint_size() {
@@ -87,9 +89,9 @@ build_dev() {
 case " ${checks[*]} " in *" cppcheck "* | *" tidy"*) build_dev ;; esac
 for check in "${checks[@]}"; do
     case "$check" in
-        format | shell | python | waits | cppcheck | tidy | tidy-tests | size) ;;
+        format | shell | python | layers | waits | cppcheck | tidy | tidy-tests | size) ;;
         *)
-            echo "lint.sh: no check named '$check' (format, shell, python, waits, cppcheck, tidy, tidy-tests, size)" >&2
+            echo "lint.sh: no check named '$check' (format, shell, python, layers, waits, cppcheck, tidy, tidy-tests, size)" >&2
             exit 2
             ;;
     esac

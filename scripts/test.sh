@@ -41,7 +41,7 @@ run_lint() {
     echo
     echo "== lint"
     # clang-tidy over the tests alone takes longer than all else here together.
-    scripts/lint.sh format shell python waits size cppcheck tidy
+    scripts/lint.sh format shell python layers waits size cppcheck tidy
 }
 
 run_fuzz() {
