@@ -62,7 +62,8 @@ record_converter_lay_existing(${qml} qml/
 # The overlay that colours the icons; Qt 6 has no module of that name any more.
 if(NOT EXISTS ${qml}/QtGraphicalEffects/qmldir)
     record_converter_lay_existing(${CMAKE_CURRENT_SOURCE_DIR}/qml qml/
-        ${CMAKE_CURRENT_SOURCE_DIR}/qml/QtGraphicalEffects/*)
+        ${CMAKE_CURRENT_SOURCE_DIR}/qml/QtGraphicalEffects/qmldir
+        ${CMAKE_CURRENT_SOURCE_DIR}/qml/QtGraphicalEffects/ColorOverlay.qml)
 else()
     record_converter_lay_existing(${qml} qml/ ${qml}/QtGraphicalEffects)
 endif()

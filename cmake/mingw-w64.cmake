@@ -12,6 +12,12 @@ if(NOT RECORD_CONVERTER_WINDOWS_PREFIX)
         COMMAND ${CMAKE_CURRENT_LIST_DIR}/../scripts/windows-dependencies.sh --print-prefix
         OUTPUT_VARIABLE RECORD_CONVERTER_WINDOWS_PREFIX OUTPUT_STRIP_TRAILING_WHITESPACE)
 endif()
+foreach(library IN ITEMS libavformat minizip)
+    if(NOT EXISTS ${RECORD_CONVERTER_WINDOWS_PREFIX}/lib/pkgconfig/${library}.pc)
+        message(FATAL_ERROR "No ${library} for Windows in \"${RECORD_CONVERTER_WINDOWS_PREFIX}\". "
+            "The command that makes it: scripts/windows-dependencies.sh")
+    endif()
+endforeach()
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES RECORD_CONVERTER_WINDOWS_PREFIX CMAKE_PREFIX_PATH)
 
 # Nothing of the build machine's own libraries may be found, only its programs.
