@@ -104,7 +104,6 @@ void actAsUser() {
 
 } // namespace
 
-#ifndef TOAST_USER
 #ifdef __SANITIZE_ADDRESS__
 // exit() from under the running QML engine tears nothing down, and the leak check does not look
 // into the engine's heap, which holds much of the rest. Whoever returns is checked.
@@ -113,6 +112,7 @@ extern "C" [[gnu::visibility("default")]] int __lsan_is_turned_off() {
 }
 #endif
 
+#ifndef TOAST_USER
 int main(int argc, char** argv) {
     using namespace tarn;
 
