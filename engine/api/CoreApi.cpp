@@ -4,9 +4,9 @@
 #include "engine/job/Ending.h"
 #include "engine/job/JobRegistry.h"
 #include "engine/platform/OsPath.h"
-#include "engine/support/BoundedLock.h"
 #include "engine/support/Losses.h"
 #include "engine/support/Trace.h"
+#include "threading/BoundedLock.h"
 #include "zel/EngineContract.h"
 
 #include <algorithm>
@@ -98,7 +98,7 @@ std::int32_t ZelCoreConversionEnding(char* text, std::uint32_t capacity) {
 void ZelCoreAbandonConversions() {
     try {
         zelcore::JobRegistry::instance().abandonAll();
-        if (const auto lock = zelcore::lockWithin(converters().mutex, zelcore::kUnloadBound)) {
+        if (const auto lock = tarn::lockWithin(converters().mutex, tarn::kUnloadBound)) {
             converters().all.clear();
         }
     } catch (...) { // NOLINT(bugprone-empty-catch): an unload cannot fail

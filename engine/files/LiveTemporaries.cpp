@@ -1,7 +1,7 @@
 #include "engine/files/LiveTemporaries.h"
 
 #include "engine/platform/OsPath.h"
-#include "engine/support/BoundedLock.h"
+#include "threading/BoundedLock.h"
 
 #include <cerrno>
 
@@ -57,7 +57,7 @@ int LiveTemporaries::commit(const std::string& path, const std::string& destinat
 }
 
 void LiveTemporaries::removeAll() {
-    const auto lock = lockWithin(mMutex, kUnloadBound);
+    const auto lock = tarn::lockWithin(mMutex, tarn::kUnloadBound);
     mIsEnding = true;
     for (const auto& temporary : mTemporaries) {
         removeIdentified(temporary);

@@ -1,8 +1,8 @@
 #include "engine/job/JobRegistry.h"
 
 #include "engine/platform/OsPath.h"
-#include "engine/support/BoundedLock.h"
 #include "engine/support/Trace.h"
+#include "threading/BoundedLock.h"
 
 #include <algorithm>
 #include <system_error>
@@ -72,7 +72,7 @@ bool JobRegistry::stopAll(std::chrono::milliseconds timeout) {
 }
 
 void JobRegistry::abandonAll() {
-    auto lock = lockWithin(mMutex, kUnloadBound);
+    auto lock = tarn::lockWithin(mMutex, tarn::kUnloadBound);
     if (!lock.owns_lock()) {
         return;
     }

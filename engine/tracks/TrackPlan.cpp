@@ -69,7 +69,6 @@ TrackPlan& trackFor(std::vector<TrackPlan>& plans, const Sources& sources, std::
     }
     TrackPlan plan;
     plan.reference = &stream;
-    plan.referenceSource = sources[part].get();
     plan.streamOfPart.resize(sources.size());
     return plans.emplace_back(std::move(plan));
 }

@@ -26,7 +26,6 @@ struct PartStream {
 /// One track of the destination: where it comes from in each part and whether it is copied.
 struct TrackPlan {
     const AVStream* reference = nullptr; ///< the first part's that has it: its parameters hold
-    const Source* referenceSource = nullptr;
     std::vector<std::optional<std::size_t>> streamOfPart; ///< stream's index in each source
     std::vector<PartStream> streams;                      ///< of the parts that have it, in order
     bool isCopied = false;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/EngineGate.h"
 #include "recordconverter/IMediaConverterCallback.h"
+#include "threading/Gate.h"
 
 #include <QObject>
 #include <QString>
@@ -99,7 +99,7 @@ private:
     std::atomic<bool> conversionEnded = false;
     QTimer exitTimer;
 
-    EngineGate mGate;
+    tarn::Gate mGate;
     /// Serialises the two starts of the timer. Recursive: an error that is reported on the GUI
     /// thread runs both in one call.
     std::recursive_mutex mExitTimerMutex;

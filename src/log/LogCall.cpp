@@ -1,43 +1,35 @@
 #include "log/LogCall.h"
 
+#include "log/Replaceable.h"
+
 #include <atomic>
-#include <memory>
-#include <mutex>
-#include <vector>
+#include <utility>
 
 namespace tarn {
 namespace {
 
-std::atomic<const LogHook*> currentHook{nullptr};
 std::atomic<LevelGate> currentGate{nullptr};
 
-/// Every hook ever set is kept reachable and never freed: a call on another thread may be in it,
-/// and logging goes on while the process exits.
-const LogHook* keepHook(LogHook hook) {
-    static std::mutex& mutex = *new std::mutex;
-    static auto& hooks = *new std::vector<std::unique_ptr<const LogHook>>;
-    const std::lock_guard lock(mutex);
-    hooks.push_back(std::make_unique<const LogHook>(std::move(hook)));
-    return hooks.back().get();
+Replaceable<LogHook>& hooks() {
+    // Never destroyed: logging goes on while the process exits.
+    static auto& instance = *new Replaceable<LogHook>;
+    return instance;
 }
 
 } // namespace
 
 void setLogHook(LogHook hook) {
-    currentHook.store(keepHook(std::move(hook)), std::memory_order_release);
+    hooks().set(std::move(hook));
 }
 
 void setDefaultLogHook(LogHook hook, LevelGate gate) {
-    const LogHook* present = currentHook.load(std::memory_order_acquire);
-    if (present == nullptr || !*present) {
-        currentHook.compare_exchange_strong(present, keepHook(std::move(hook)));
-    }
+    hooks().setDefault(std::move(hook));
     LevelGate noGate = nullptr;
     currentGate.compare_exchange_strong(noGate, gate);
 }
 
 LogHook logHook() {
-    const LogHook* hook = currentHook.load(std::memory_order_acquire);
+    const LogHook* hook = hooks().get();
     return hook != nullptr ? *hook : LogHook();
 }
 
@@ -56,7 +48,7 @@ bool isLogEnabled(RootLoggerLevel::Level level) noexcept {
 
 void writeLog(std::string_view message, RootLoggerLevel::Level level, int line,
               std::string_view file, std::string_view function) noexcept {
-    const LogHook* hook = currentHook.load(std::memory_order_acquire);
+    const LogHook* hook = hooks().get();
     if (hook == nullptr || !*hook) {
         return;
     }

@@ -10,25 +10,22 @@ namespace tarn {
 class LevelFilter {
 public:
     bool isEnabled(RootLoggerLevel::Level level) const noexcept {
-        if (mAllLevels.load(std::memory_order_relaxed)) {
-            return level != RootLoggerLevel::Private ||
-                   mPrivateEnabled.load(std::memory_order_relaxed);
+        if (mAllLevels) {
+            return level != RootLoggerLevel::Private || mPrivateEnabled;
         }
         // Trace is off whatever the threshold; Private also needs its own switch.
         return level >= mThreshold.load(std::memory_order_relaxed) &&
                level != RootLoggerLevel::Trace &&
-               (level != RootLoggerLevel::Private ||
-                mPrivateEnabled.load(std::memory_order_relaxed));
+               (level != RootLoggerLevel::Private || mPrivateEnabled);
     }
 
-    void setThreshold(RootLoggerLevel::Level level) noexcept { mThreshold.exchange(level); }
-    void setPrivateEnabled(bool enabled) noexcept { mPrivateEnabled.store(enabled); }
-    void setAllLevels(bool enabled) noexcept { mAllLevels.store(enabled); }
+    void setThreshold(RootLoggerLevel::Level level) noexcept { mThreshold.store(level); }
 
 private:
     std::atomic<RootLoggerLevel::Level> mThreshold{RootLoggerLevel::Trace};
-    std::atomic<bool> mPrivateEnabled{false};
-    std::atomic<bool> mAllLevels{false};
+    // Switches of the client framework, which this program leaves off.
+    const bool mPrivateEnabled = false;
+    const bool mAllLevels = false;
 };
 
 } // namespace tarn

@@ -37,17 +37,10 @@ void reportFailedSink() noexcept {
 
 } // namespace
 
-void LogOutput::SpecialSink::set(std::shared_ptr<ILogger> sink) {
-    const std::lock_guard lock(mMutex);
-    mKept.push_back(std::move(sink));
-    mCurrent.store(mKept.back().get(), std::memory_order_release);
-}
-
 bool LogOutput::addSink(std::shared_ptr<ILogger> sink) {
     if (std::ranges::find(mSinks, sink) != mSinks.end()) {
         return false;
     }
-    ++mSinkCount;
     mSinks.push_back(std::move(sink));
     return true;
 }
@@ -115,16 +108,16 @@ void LogOutput::formatLine(const LogRecord& record) {
 }
 
 void LogOutput::dispatch(bool isLifeCycleRecord) {
-    ILogger* const engineSink = mEngineSink.get();
-    ILogger* const lifeCycleSink = mLifeCycleSink.get();
+    const auto* const engineSink = mEngineSink.get();
+    const auto* const lifeCycleSink = mLifeCycleSink.get();
     if (engineSink != nullptr && mComponents.file == kEngineFile) {
-        writeTo(*engineSink);
+        writeTo(**engineSink);
     } else if (lifeCycleSink == nullptr || !isLifeCycleRecord) {
         for (const auto& sink : mSinks) {
             writeTo(*sink);
         }
     } else if (mLifeCycleFunctions.contains(mComponents.file, mComponents.function)) {
-        writeTo(*lifeCycleSink);
+        writeTo(**lifeCycleSink);
     }
 }
 
@@ -137,20 +130,21 @@ void LogOutput::writeTo(ILogger& sink) {
 }
 
 void LogOutput::flush() {
-    const auto flushSink = [](ILogger* sink) {
+    const auto flushSink = [](ILogger& sink) {
         try {
-            if (sink != nullptr) {
-                sink->flush();
-            }
+            sink.flush();
         } catch (...) {
             reportFailedSink();
         }
     };
     for (const auto& sink : mSinks) {
-        flushSink(sink.get());
+        flushSink(*sink);
     }
-    flushSink(mEngineSink.get());
-    flushSink(mLifeCycleSink.get());
+    for (const auto* special : {mEngineSink.get(), mLifeCycleSink.get()}) {
+        if (special != nullptr) {
+            flushSink(**special);
+        }
+    }
 }
 
 } // namespace tarn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "log/Replaceable.h"
 #include "logging/ILogger.h"
 #include "logging/LifeCycleFunctions.h"
 #include "logging/LogRecord.h"
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <ctime>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,21 +41,9 @@ public:
     /// Times in the computer's own zone, with its distance from UTC. Any thread.
     void setUseLocalTime(bool uses) noexcept { mUsesLocalTime.store(uses); }
 
-    /// How many sinks were ever added. Any thread.
-    std::uint64_t sinkCount() const noexcept { return mSinkCount.load(); }
-
 private:
-    /// A sink that may be set while the worker runs; one that was ever set stays alive.
-    class SpecialSink {
-    public:
-        void set(std::shared_ptr<ILogger> sink);
-        ILogger* get() const noexcept { return mCurrent.load(std::memory_order_acquire); }
-
-    private:
-        std::mutex mMutex;
-        std::vector<std::shared_ptr<ILogger>> mKept;
-        std::atomic<ILogger*> mCurrent{nullptr};
-    };
+    /// Set while the worker runs.
+    using SpecialSink = Replaceable<std::shared_ptr<ILogger>>;
 
     void expand(const LogRecord& record);
     void cleanMessage();
@@ -64,7 +52,6 @@ private:
     void writeTo(ILogger& sink);
 
     std::vector<std::shared_ptr<ILogger>> mSinks;
-    std::atomic<std::uint64_t> mSinkCount{0};
     Scrubber mScrubber;
     SpecialSink mEngineSink;
     SpecialSink mLifeCycleSink;

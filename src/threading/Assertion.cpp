@@ -1,49 +1,28 @@
 #include "threading/Assertion.h"
 
-#include <atomic>
-#include <memory>
-#include <mutex>
+#include "log/Replaceable.h"
+
 #include <utility>
-#include <vector>
 
 namespace tarn {
 namespace {
 
-/// A handler that any thread may call while another replaces it or the process exits. Only the
-/// pointer to the current one changes; what was ever set stays.
-template <typename Handler>
-class HandlerSlot {
-public:
-    void set(Handler handler) {
-        const std::lock_guard lock(mMutex);
-        mKept.push_back(std::make_unique<const Handler>(std::move(handler)));
-        mCurrent.store(mKept.back().get(), std::memory_order_release);
-    }
-    void reset() noexcept { mCurrent.store(nullptr, std::memory_order_release); }
-
-    template <typename... Arguments>
-    void call(const Arguments&... arguments) const {
-        const Handler* handler = mCurrent.load(std::memory_order_acquire);
-        if (handler != nullptr && *handler) {
-            (*handler)(arguments...);
-        }
-    }
-
-private:
-    std::mutex mMutex;
-    std::vector<std::unique_ptr<const Handler>> mKept;
-    std::atomic<const Handler*> mCurrent{nullptr};
-};
-
 struct Handlers {
-    HandlerSlot<AssertionMessageHandler> message;
-    HandlerSlot<AssertionDetailHandler> detail;
+    Replaceable<AssertionMessageHandler> message;
+    Replaceable<AssertionDetailHandler> detail;
 };
 
 Handlers& handlers() {
     // Never destroyed: the engine's threads may report while the process exits.
     static Handlers& instance = *new Handlers;
     return instance;
+}
+
+template <typename Handler, typename... Arguments>
+void call(const Replaceable<Handler>& slot, const Arguments&... arguments) {
+    if (const Handler* handler = slot.get(); handler != nullptr && *handler) {
+        (*handler)(arguments...);
+    }
 }
 
 /// Forgets the handlers when the program unloads, because their code may go first.
@@ -74,8 +53,8 @@ void assertionFailed(const std::string& firstSite, std::uint32_t line,
     if (!message.empty()) {
         text += " with message: " + message;
     }
-    handlers().message.call(text, line, firstSite, secondSite);
-    handlers().detail.call(firstSite, secondSite, line, expression, message);
+    call(handlers().message, text, line, firstSite, secondSite);
+    call(handlers().detail, firstSite, secondSite, line, expression, message);
 }
 
 } // namespace tarn

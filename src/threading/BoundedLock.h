@@ -4,7 +4,7 @@
 #include <mutex>
 #include <thread>
 
-namespace zelcore {
+namespace tarn {
 
 inline constexpr auto kUnloadBound = std::chrono::milliseconds(500);
 
@@ -21,4 +21,4 @@ inline std::unique_lock<std::mutex> lockWithin(std::mutex& mutex, std::chrono::m
     return lock;
 }
 
-} // namespace zelcore
+} // namespace tarn
