@@ -16,10 +16,11 @@ public:
     FileInput(const FileInput&) = delete;
     FileInput& operator=(const FileInput&) = delete;
 
-    /// What is read between these positions is without meaning.
+    /// What is read between these positions is without meaning, and costs nothing.
     void leaveOut(std::uint64_t begin, std::uint64_t end) {
         mLeftOutBegin = begin;
         mLeftOutEnd = end;
+        mIo->direct = 1;
     }
     AVIOContext* io() const { return mIo.get(); }
 

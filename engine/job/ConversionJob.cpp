@@ -105,6 +105,10 @@ void ConversionJob::convert() {
             plans[found.track].isCopied = false;
             plans[found.track].reason = found.reason;
             beginAnew();
+        } catch (const GroupNotKept&) {
+            trace(TraceLevel::Debug, "Something looks damaged: looked at more closely");
+            std::ranges::for_each(plans, [](TrackPlan& plan) { plan.keepsGroups = true; });
+            beginAnew();
         } catch (const PictureGrew& found) {
             beginAnew();
             surveyPictures(sources, plans, found, mStop);

@@ -135,7 +135,11 @@ void PartJoiner::take(AVPacket& packet, const AVStream& stream, std::size_t trac
         packet.dts = kNoTime;
     }
     mWaitingBytes += static_cast<std::size_t>(packet.size);
-    mWaiting.push_back({makePacket(), track});
+    if (mSpare.empty()) {
+        mSpare.push_back(makePacket());
+    }
+    mWaiting.push_back({std::move(mSpare.back()), track});
+    mSpare.pop_back();
     av_packet_move_ref(mWaiting.back().packet.get(), &packet);
     while (mWaitingBytes > kMostWaitingBytes && timeline.hasWaiting()) {
         timeline.decide();
@@ -146,7 +150,7 @@ void PartJoiner::take(AVPacket& packet, const AVStream& stream, std::size_t trac
 
 void PartJoiner::deliver(Timeline& timeline) {
     while (timeline.hasOffset()) {
-        const Waiting next = std::move(mWaiting.front());
+        Waiting next = std::move(mWaiting.front());
         mWaiting.pop_front();
         AVPacket& packet = *next.packet;
         mWaitingBytes -= static_cast<std::size_t>(packet.size);
@@ -155,6 +159,8 @@ void PartJoiner::deliver(Timeline& timeline) {
         packet.dts = packet.dts == kNoTime ? kNoTime : addTimes(packet.dts, offset);
         packet.pts = packet.pts == kNoTime ? kNoTime : addTimes(packet.pts, offset);
         mTracks[next.track]->accept(packet);
+        av_packet_unref(&packet);
+        mSpare.push_back(std::move(next.packet));
     }
 }
 

@@ -50,6 +50,7 @@ private:
     const StopFlag& mStop;
     Progress& mProgress;
     std::deque<Waiting> mWaiting;
+    std::vector<PacketPtr> mSpare; ///< empty ones
     std::size_t mWaitingBytes = 0;
     bool mKeepsDecodingTimes = true; ///< the part at work
     std::optional<Ticks> mOffset;    ///< of its first packet

@@ -55,7 +55,8 @@ PartWatch::PartWatch(const Source& source, const std::vector<TrackPlan>& plans, 
         stream.track = track;
         if (plans[track].isCopied) {
             stream.shape = std::make_unique<PacketShape>(*stream.stream->codecpar);
-            stream.check = std::make_unique<CopyCheck>(*stream.stream, offset, losses);
+            stream.check = std::make_unique<CopyCheck>(*stream.stream, offset,
+                                                       plans[track].keepsGroups, losses);
         }
     }
 }

@@ -28,7 +28,7 @@ public:
               Ticks offset, Losses& losses);
 
     /// True when the packet is for its track; one that tells no time gets one where it needs it.
-    /// Throws NotCopyable, and Failure for what is encrypted.
+    /// Throws NotCopyable, GroupNotKept, and Failure for what is encrypted.
     bool look(AVPacket& packet);
     /// After the part's last packet.
     void end();

@@ -9,15 +9,19 @@ constexpr std::size_t kSample = 4;
 /// Sound can be decoded from every packet on.
 constexpr std::size_t kGroupOfSound = 64;
 /// A group that is longer is not decoded.
-constexpr std::size_t kMostHeld = 2000;
-constexpr std::size_t kMostHeldBytes = 32U << 20U;
+constexpr std::size_t kMostUndecoded = 2000;
+constexpr std::size_t kMostUndecodedBytes = 32U << 20U;
 /// The first groups are all sampled; later the gaps grow by half each time.
 constexpr std::int64_t kDense = 2;
 
 } // namespace
 
-CopyCheck::CopyCheck(const AVStream& stream, Ticks offset, Losses& losses)
-    : mStream(stream), mOffset(offset), mLosses(losses), mShape(*stream.codecpar) {
+CopyCheck::CopyCheck(const AVStream& stream, Ticks offset, bool keepsGroups, Losses& losses)
+    : mStream(stream),
+      mOffset(offset),
+      mKeepsGroups(keepsGroups),
+      mLosses(losses),
+      mShape(*stream.codecpar) {
 }
 
 bool CopyCheck::look(const AVPacket& packet, bool isSuspect) {
@@ -36,19 +40,23 @@ bool CopyCheck::look(const AVPacket& packet, bool isSuspect) {
         }
         return true;
     }
-    hold(packet);
+    mOfGroup++;
     const bool isSampled = mGroups - 1 == mNextSample && mOfGroup <= kSample;
     if (isSuspect || isSampled || mIsDamagedAllOver || looksWrong) {
-        decodeHeld();
+        decodeWithHeld(packet);
+    } else {
+        hold(packet);
     }
     return true;
 }
 
 void CopyCheck::hold(const AVPacket& packet) {
-    mHeld.push_back(owned<PacketPtr>(av_packet_clone(&packet)));
-    mHeldBytes += static_cast<std::size_t>(packet.size);
-    mOfGroup++;
-    if (mHeld.size() > kMostHeld || mHeldBytes > kMostHeldBytes) {
+    if (mKeepsGroups) {
+        mHeld.push_back(owned<PacketPtr>(av_packet_clone(&packet)));
+    }
+    mUndecoded++;
+    mUndecodedBytes += static_cast<std::size_t>(packet.size);
+    if (mUndecoded > kMostUndecoded || mUndecodedBytes > kMostUndecodedBytes) {
         endGroup();
     }
 }
@@ -78,18 +86,26 @@ void CopyCheck::beginGroup() {
     mIsInGroup = true;
 }
 
-void CopyCheck::decodeHeld() {
+void CopyCheck::decodeWithHeld(const AVPacket& packet) {
+    if (mUndecoded > mHeld.size()) {
+        throw GroupNotKept{};
+    }
     if (!mDecoder) {
         const Decoder::Clock clock{mStream.time_base, mOffset};
         mDecoder.emplace(mStream, mLosses, clock, Decoder::Purpose::Check);
     }
-    for (const PacketPtr& packet : mHeld) {
-        mDecoder->decode(packet.get(), [this](const AVFrame&) { mFrames++; });
-        mDecoded++;
+    for (const PacketPtr& held : mHeld) {
+        decode(*held);
     }
+    decode(packet);
     mHeld.clear();
-    mHeldBytes = 0;
+    mUndecoded = mUndecodedBytes = 0;
     mIsDamagedAllOver = mIsDamagedAllOver || mDecoder->hasFoundDamage();
+}
+
+void CopyCheck::decode(const AVPacket& packet) {
+    mDecoder->decode(&packet, [this](const AVFrame&) { mFrames++; });
+    mDecoded++;
 }
 
 void CopyCheck::endGroup() {
@@ -100,7 +116,7 @@ void CopyCheck::endGroup() {
         mDecoder.reset();
     }
     mHeld.clear();
-    mHeldBytes = 0;
+    mUndecoded = mUndecodedBytes = 0;
     mOfGroup = 0;
     mIsInGroup = false;
 }

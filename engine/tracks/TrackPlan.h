@@ -29,8 +29,9 @@ struct TrackPlan {
     std::vector<std::optional<std::size_t>> streamOfPart; ///< stream's index in each source
     std::vector<PartStream> streams;                      ///< of the parts that have it, in order
     bool isCopied = false;
-    bool isSurveyed = false; ///< the largest pictures of all parts are known
-    std::string reason;      ///< for the trace, when it is not copied
+    bool keepsGroups = false; ///< it looks damaged somewhere, see CopyCheck
+    bool isSurveyed = false;  ///< the largest pictures of all parts are known
+    std::string reason;       ///< for the trace, when it is not copied
 };
 
 /// True for what MP4 carries and common players play from it; the rest is transcoded to H.264 and
