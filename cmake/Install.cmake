@@ -25,7 +25,11 @@ install(TARGETS ${libraries}
 # Without the libraries above: those are stripped on their way into a package.
 install(DIRECTORY ${RECORD_CONVERTER_RUNTIME_DIR}/ DESTINATION ${root}/runtime
     REGEX "/(lib)?(mediaconverter|zelclient|zelcore|record-converter)\\.(so|dll|pdb)$" EXCLUDE)
-install(FILES LICENSE README.md DESTINATION ${documents})
+if(WIN32)
+    install(FILES LICENSE README.md THIRD-PARTY.md DESTINATION ${documents})
+else()
+    include(InstallDesktop)
+endif()
 
 set(CPACK_PACKAGE_NAME record-converter)
 set(CPACK_PACKAGE_VENDOR "the record-converter developers")
@@ -35,27 +39,6 @@ set(CPACK_VERBATIM_VARIABLES ON)
 if(WIN32)
     set(CPACK_GENERATOR ZIP)
 else()
-    set(CPACK_GENERATOR DEB)
-    set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-    set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-    set(CPACK_DEBIAN_PACKAGE_MAINTAINER
-        "${CPACK_PACKAGE_VENDOR} <record-converter@example.invalid>")
-    set(CPACK_DEBIAN_PACKAGE_SECTION video)
-    set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"It copies picture and sound wherever MP4 can carry them, and says in a small
-notice when the recording is ready.")
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${RECORD_CONVERTER_RUNTIME_DIR})
-    # What is loaded by name at run time stands in no library's own list.
-    get_property(linked GLOBAL PROPERTY RECORD_CONVERTER_LINKED)
-    find_program(DPKG_QUERY_PROGRAM dpkg-query)
-    if(linked AND DPKG_QUERY_PROGRAM)
-        execute_process(COMMAND ${DPKG_QUERY_PROGRAM} --search ${linked}
-            OUTPUT_VARIABLE owners ERROR_QUIET)
-        string(REGEX MATCHALL "[a-z0-9.+-]+:[a-z0-9]+[,:] " owners "${owners}")
-        list(TRANSFORM owners REPLACE ":.*" "")
-        list(REMOVE_DUPLICATES owners)
-        list(JOIN owners ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
-    endif()
+    include(DebianPackage)
 endif()
 include(CPack)

@@ -6,7 +6,7 @@ set -euo pipefail
 packages_build=(
     g++ cmake ninja-build ccache pkg-config git
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
-    libminizip-dev zlib1g-dev libxxhash-dev
+    libminizip-dev zlib1g-dev libxxhash-dev libsystemd-dev
     qt6-base-dev qt6-base-private-dev qt6-declarative-dev qt6-declarative-dev-tools
     qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools libqt6svg6 qt6-svg-dev
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
@@ -18,6 +18,7 @@ packages_build=(
 packages_test=(
     libgtest-dev libgmock-dev googletest
     dpkg-dev file unzip p7zip-full python3 procps
+    lintian desktop-file-utils appstream mandoc python3-dbusmock dbus-daemon
     clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck black flake8
 )
 packages_windows=(

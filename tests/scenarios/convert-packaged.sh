@@ -12,6 +12,25 @@ folder="$work/Größe 会議 😀"
 log=QuorellTarn/Logs/record-converter/current_log.txt
 fail() { printf '%s\n' "$*" >&2; exit 1; }
 
+# look PROGRAM ARGUMENT...: what a foreign eye says of the package, where that eye is at hand.
+look() {
+    if command -v "$1" >/dev/null && ! "$@" >"$work/look" 2>&1; then fail "$*: $(cat "$work/look")"; fi
+}
+
+# examine FOLDER: the unpacked .deb
+examine() {
+    local known=()
+    [ -e "$1/share/man/man1/record-converter.1.gz" ] || known=(--suppress-tags no-manual-page)
+    look lintian --allow-root --info --pedantic --fail-on error,warning,info "${known[@]}" \
+        "$work"/packages/*.deb
+    look desktop-file-validate "$1"/share/applications/*
+    look appstreamcli validate --no-net "$1"/share/metainfo/*
+    find "$1" -lname '/*' | grep . && fail "these links are not relative"
+    for page in "$1"/share/man/man1/*; do
+        [ ! -e "$page" ] || look mandoc -Tlint -Wwarning "$page"
+    done
+}
+
 (cd "$build" && cpack -B "$work/packages") >"$work/cpack" 2>&1 || fail "$(cat "$work/cpack")"
 mkdir "$folder"
 if [ ${#wine[@]} -gt 0 ]; then
@@ -22,6 +41,9 @@ if [ ${#wine[@]} -gt 0 ]; then
     native() { printf 'Z:%s' "${1//\//\\}"; }
 else
     dpkg-deb -x "$work"/packages/*.deb "$folder"
+    examine "$folder/usr"
+    # Its links lead to where the system's Qt lies beside it.
+    ln -s "/usr/lib/$(uname -m)-linux-gnu" "$folder/usr/lib"
     program=$folder/usr/bin/record-converter
     runtime=$folder/usr/lib/record-converter/runtime
     export XDG_DATA_HOME=$work/data
