@@ -4,6 +4,7 @@
 #include "engine/job/Ending.h"
 #include "engine/job/JobRegistry.h"
 #include "engine/platform/OsPath.h"
+#include "engine/support/ConversionSettings.h"
 #include "engine/support/Losses.h"
 #include "engine/support/Trace.h"
 #include "threading/BoundedLock.h"
@@ -93,6 +94,12 @@ std::int32_t ZelCoreConversionEnding(char* text, std::uint32_t capacity) {
     } catch (...) {
         return static_cast<std::int32_t>(zelcore::ErrorCode::OutOfMemory);
     }
+}
+
+std::int32_t ZelCoreConversionSetting(const char* name, const char* value) {
+    return name != nullptr && value != nullptr && zelcore::changeSetting(name, value)
+               ? zel::kZelSuccess
+               : static_cast<std::int32_t>(zelcore::ErrorCode::InvalidArgument);
 }
 
 void ZelCoreAbandonConversions() {

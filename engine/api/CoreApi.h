@@ -27,6 +27,8 @@ ZELCORE_API std::int32_t ZelCoreConversionLosses(std::int32_t accepts, char* tex
                                                  std::uint32_t capacity);
 /// See ZelConversionEnding.
 ZELCORE_API std::int32_t ZelCoreConversionEnding(char* text, std::uint32_t capacity);
+/// See ZelConversionSetting.
+ZELCORE_API std::int32_t ZelCoreConversionSetting(const char* name, const char* value);
 /// mediaconverter is being unloaded: asks every conversion to stop and takes their sinks away,
 /// waiting a moment for a call that is under way, never for a conversion.
 ZELCORE_API void ZelCoreAbandonConversions();

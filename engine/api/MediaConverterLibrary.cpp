@@ -31,4 +31,8 @@ ZEL_EXPORT std::int32_t ZelConversionLosses(std::int32_t accepts, char* text,
 ZEL_EXPORT std::int32_t ZelConversionEnding(char* text, std::uint32_t capacity) {
     return ZelCoreConversionEnding(text, capacity);
 }
+
+ZEL_EXPORT std::int32_t ZelConversionSetting(const char* name, const char* value) {
+    return ZelCoreConversionSetting(name, value);
+}
 }

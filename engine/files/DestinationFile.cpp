@@ -177,6 +177,12 @@ int DestinationFile::note(const std::uint8_t* data, int size) noexcept {
     }
 }
 
+AVIOContext* DestinationFile::beginMove() {
+    mFrame.beginMove();
+    mMoved.emplace(mFile, mSize, mStop);
+    return mMoved->io();
+}
+
 void DestinationFile::pushOutWritten() {
     while (mError == 0 && mSize - mPushedOut >= kWriteBackStep) {
         mError = mFile.startWriteBack(mPushedOut, kWriteBackStep);

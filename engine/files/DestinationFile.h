@@ -1,11 +1,13 @@
 #pragma once
 
+#include "engine/files/FileInput.h"
 #include "engine/files/FrameDigest.h"
 #include "engine/platform/OsFile.h"
 #include "engine/support/AvHandles.h"
 #include "engine/support/StopFlag.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,8 @@ public:
     /// All packets are written and flushed.
     void beginIndex() { mFrame.beginIndex(mSize); }
     const FrameDigest& frame() const { return mFrame; }
+    /// What was written so far, to be moved behind an index that goes in front of it.
+    AVIOContext* beginMove();
 
     /// Throws when any write so far failed.
     void throwIfFailed() const;
@@ -60,6 +64,7 @@ private:
     std::uint64_t mSize = 0;
     std::uint64_t mPushedOut = 0;
     FrameDigest mFrame;
+    std::optional<FileInput> mMoved;
     int mError = 0;
     AvioPtr mIo;
 };

@@ -57,6 +57,7 @@ ConversionJob::ConversionJob(std::vector<std::string> sources, std::string desti
     : mSources(std::move(sources)),
       mDestination(std::move(destination)),
       mAcceptsLosses(areLossesAccepted()),
+      mSettings(currentSettings()),
       mSink(sink) {
 }
 
@@ -83,6 +84,9 @@ void ConversionJob::convert() {
     Cover cover;
     const Sources sources = openSources(mSources, mStop, cover);
     std::vector<TrackPlan> plans = planTracks(sources);
+    for (TrackPlan& plan : plans) {
+        plan.quality = mSettings.quality;
+    }
     traceJob(sources, plans);
     Progress progress([this](float percent) {
         mSink.call([percent](zel::IZelMediaConverterSink& sink) { sink.OnProgress(percent); });
@@ -132,7 +136,7 @@ void ConversionJob::convert() {
 WrittenFile ConversionJob::write(const Sources& sources, const std::vector<TrackPlan>& plans,
                                  const Cover& cover, DestinationFile& destination,
                                  Progress& progress) {
-    Muxer muxer(destination);
+    Muxer muxer(destination, mSettings.isIndexInFront);
     muxer.copyMetadata(sources.front()->format());
     std::vector<std::unique_ptr<Track>> tracks;
     for (const TrackPlan& plan : plans) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/media/Muxer.h"
+#include "engine/support/ConversionSettings.h"
 #include "engine/support/ErrorCode.h"
 #include "engine/support/Losses.h"
 #include "engine/support/Progress.h"
@@ -41,6 +42,7 @@ private:
     const std::string mDestination;
     StopFlag mStop;
     const bool mAcceptsLosses;
+    const ConversionSettings mSettings;
     Losses mLosses;
     ConverterSinkGate mSink;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <span>
+#include <string>
 
 namespace zelcore {
 
@@ -21,14 +22,34 @@ bool saysColours(const AVStream& stream) {
 /// Some tracks have nothing to write for long; the others do not wait for them.
 constexpr std::int64_t kLongestWait = AV_TIME_BASE;
 
+/// The muxer asks for the file that it has written, to move its content.
+int openWritten(AVFormatContext* format, AVIOContext** io, const char* /*url*/, int /*flags*/,
+                AVDictionary** /*options*/) noexcept {
+    try {
+        *io = static_cast<DestinationFile*>(format->opaque)->beginMove();
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return AVERROR(ENOMEM);
+    }
+}
+
+/// By itself it takes a failure to read for the end.
+int closeWritten(AVFormatContext* /*format*/, AVIOContext* io) noexcept {
+    return io->error;
+}
+
 } // namespace
 
-Muxer::Muxer(DestinationFile& file) : mFile(file) {
+Muxer::Muxer(DestinationFile& file, bool isIndexInFront)
+    : mFile(file), mIsIndexInFront(isIndexInFront) {
     AVFormatContext* format = nullptr;
     require(avformat_alloc_output_context2(&format, nullptr, "mp4", nullptr), "MP4 muxer");
     mFormat.reset(format);
     mFormat->pb = file.io();
     mFormat->flags |= AVFMT_FLAG_CUSTOM_IO;
+    mFormat->opaque = &file;
+    mFormat->io_open = &openWritten;
+    mFormat->io_close2 = &closeWritten;
 }
 
 AVStream& Muxer::addTrack(const AVCodecParameters& parameters, AVRational timeBase) {
@@ -75,10 +96,14 @@ void Muxer::writeHeader() {
     AVDictionary* options = nullptr;
     // A timecode in the metadata would become a track of its own, which no source has.
     av_dict_set(&options, "write_tmcd", "0", 0);
+    std::string flags = mIsIndexInFront ? "+faststart" : "";
     if (std::ranges::any_of(std::span(mFormat->streams, mFormat->nb_streams),
                             [](const AVStream* each) { return saysColours(*each); })) {
         // By itself the muxer writes them only where all of them are known.
-        av_dict_set(&options, "movflags", "write_colr", 0);
+        flags += "+write_colr";
+    }
+    if (!flags.empty()) {
+        av_dict_set(&options, "movflags", flags.c_str(), 0);
     }
     const int result = avformat_write_header(mFormat.get(), &options);
     av_dict_free(&options);

@@ -16,7 +16,8 @@ namespace zelcore {
 /// The MP4 file under construction. Tracks first, then writeHeader, packets, finish.
 class Muxer {
 public:
-    explicit Muxer(DestinationFile& file);
+    /// The index goes behind the packets, or in front of them: those are then moved at the end.
+    Muxer(DestinationFile& file, bool isIndexInFront);
 
     /// `parameters` are copied, `timeBase` is the clock of the packets to come.
     AVStream& addTrack(const AVCodecParameters& parameters, AVRational timeBase);
@@ -53,6 +54,7 @@ private:
     void finishTrack(std::size_t track);
 
     DestinationFile& mFile;
+    const bool mIsIndexInFront;
     MuxerPtr mFormat;
     std::vector<WrittenTrack> mWritten;
     std::vector<Lane> mLanes;

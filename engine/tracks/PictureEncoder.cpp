@@ -56,13 +56,31 @@ void boundMemory(AVCodecContext& codec) {
     av_opt_set(codec.priv_data, "x264-params", "sync-lookahead=0", 0);
 }
 
-void setQuality(AVCodecContext& codec) {
-    if (av_opt_set(codec.priv_data, "crf", "21", 0) >= 0) {
+struct QualityChoice {
+    const char* constant; ///< libx264's scale
+    double share;         ///< of the usual rate, for encoders that are given one
+};
+
+QualityChoice choiceFor(PictureQuality quality) {
+    switch (quality) {
+        case PictureQuality::Small:
+            return {"27", 0.5};
+        case PictureQuality::High:
+            return {"16", 2};
+        case PictureQuality::Normal:
+            break;
+    }
+    return {"21", 1};
+}
+
+void setQuality(AVCodecContext& codec, PictureQuality quality) {
+    const QualityChoice choice = choiceFor(quality);
+    if (av_opt_set(codec.priv_data, "crf", choice.constant, 0) >= 0) {
         av_opt_set(codec.priv_data, "preset", "veryfast", 0);
         return;
     }
     // Encoders without constant quality: a tenth of a bit per pixel suits speech and slides.
-    const double rate = av_q2d(codec.framerate) * codec.width * codec.height / 10;
+    const double rate = av_q2d(codec.framerate) * codec.width * codec.height / 10 * choice.share;
     codec.bit_rate = std::clamp(static_cast<std::int64_t>(rate), std::int64_t{300'000},
                                 std::int64_t{20'000'000});
 }
@@ -111,7 +129,7 @@ CodecPtr pictureEncoder(const AVCodec& encoder, const Canvas& canvas, const Trac
         codec->time_base = av_make_q(1, 60'000); // MPEG-4 has 16 bits for it
     }
     codec->gop_size = kNoKeyFrameByCount;
-    setQuality(*codec);
+    setQuality(*codec, plan.quality);
     boundMemory(*codec);
     return codec;
 }

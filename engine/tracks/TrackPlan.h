@@ -2,6 +2,7 @@
 
 #include "engine/media/Source.h"
 #include "engine/support/AvHandles.h"
+#include "engine/support/ConversionSettings.h"
 
 #include <cstddef>
 #include <optional>
@@ -31,7 +32,8 @@ struct TrackPlan {
     bool isCopied = false;
     bool keepsGroups = false; ///< it looks damaged somewhere, see CopyCheck
     bool isSurveyed = false;  ///< the largest pictures of all parts are known
-    std::string reason;       ///< for the trace, when it is not copied
+    PictureQuality quality = PictureQuality::Normal; ///< where it is not
+    std::string reason;                              ///< for the trace, when it is not copied
 };
 
 /// True for what MP4 carries and common players play from it; the rest is transcoded to H.264 and

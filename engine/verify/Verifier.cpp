@@ -33,7 +33,8 @@ void readAll(const OsFile& file, std::uint64_t begin, std::uint64_t end, const S
 /// What lies before the first packet and behind the last one.
 void compareFrame(const OsFile& file, const FrameDigest& frame, std::uint64_t firstPacket,
                   std::uint64_t size, const StopFlag& stop) {
-    const auto head = std::span(frame.head());
+    const std::vector<std::uint8_t> headBytes = frame.head();
+    const auto head = std::span(headBytes);
     if (!frame.isCertain() || firstPacket > head.size()) {
         throwFinishedFileFault("was not written as expected");
     }

@@ -10,8 +10,9 @@ namespace zelcore::testing {
 using tarn::testing::readFile;
 using tarn::testing::TemporaryFolder;
 
-/// A recording copied packet by packet, up to where a conversion verifies what it wrote.
-class Verification : public ::testing::Test {
+/// A recording copied packet by packet, up to where a conversion verifies what it wrote; with the
+/// index behind the packets and in front of them.
+class Verification : public ::testing::TestWithParam<bool> {
 protected:
     Verification() {
         AVFormatContext* opened = nullptr;
@@ -19,7 +20,7 @@ protected:
                 "recording");
         const DemuxerPtr demuxer(opened);
         require(avformat_find_stream_info(opened, nullptr), "recording");
-        Muxer muxer(mFile);
+        Muxer muxer(mFile, GetParam());
         for (unsigned i = 0; i < opened->nb_streams; ++i) {
             muxer.addTrack(*opened->streams[i]->codecpar, opened->streams[i]->time_base);
         }
@@ -67,9 +68,11 @@ protected:
     std::string mContent;
 };
 
-TEST_F(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
+TEST_P(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
     const std::size_t packets = mContent.find("mdat") + 4;
     const std::size_t index = mContent.find("moov") - 4;
+    ASSERT_EQ(index < packets, GetParam());
+    const std::size_t end = GetParam() ? mContent.size() : index;
     using Damage = std::function<void(std::string&)>;
     const auto fill = [](std::size_t at, std::size_t count, char byte = 0) -> Damage {
         return [=](std::string& file) { file.replace(at, count, count, byte); };
@@ -83,9 +86,9 @@ TEST_F(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
     };
     const std::pair<const char*, Damage> damages[] = {
         {"first packet's first bit", flip(packets)},
-        {"last packet's last bit", flip(index - 1)},
+        {"last packet's last bit", flip(end - 1)},
         {"everything a byte late",
-         [=](std::string& file) { std::rotate(&file[packets], &file[index] - 1, &file[index]); }},
+         [=](std::string& file) { std::rotate(&file[packets], &file[end - 1], &file[0] + end); }},
         {"a piece missing", [=](std::string& file) { file.erase(packets + 99, 512); }},
         {"cut by a byte", [](std::string& file) { file.pop_back(); }},
         {"cut before the index", [=](std::string& file) { file.resize(index); }},
@@ -128,9 +131,9 @@ TEST_F(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
     EXPECT_TRUE(isPassed(mContent));
 }
 
-TEST_F(Verification, PassesAnIndexThatIsMendedOnTheDisk) {
+TEST_P(Verification, PassesAnIndexThatIsMendedOnTheDisk) {
     DestinationFile file(mFolder / "long.mp4", {}, mStop);
-    Muxer muxer(file);
+    Muxer muxer(file, GetParam());
     const auto sound = owned<ParametersPtr>(avcodec_parameters_alloc());
     sound->codec_type = AVMEDIA_TYPE_AUDIO;
     sound->codec_id = AV_CODEC_ID_MP3;
@@ -150,5 +153,7 @@ TEST_F(Verification, PassesAnIndexThatIsMendedOnTheDisk) {
     file.closeDurably();
     EXPECT_NO_THROW(verify(file, muxer.takeWritten(), mStop));
 }
+
+INSTANTIATE_TEST_SUITE_P(IndexBehindAndInFront, Verification, ::testing::Bool());
 
 } // namespace zelcore::testing

@@ -142,8 +142,8 @@ TEST_F(LinuxFaults, TheLibrariesExportTheContractAloneAndAreReallyUnloaded) {
                                 " libzelclient.so | awk 'NF == 3 {print $3}' | xargs > ";
     EXPECT_EQ(std::system((command + folder / "exports").c_str()), 0); // NOLINT: fixed
     EXPECT_EQ(readFile(folder / "exports"),
-              "CreateMediaConverter ZelConversionEnding ZelConversionLosses ZelStopConversions "
-              "ZelSetTraceMaxLevel ZelSetTraceSink\n");
+              "CreateMediaConverter ZelConversionEnding ZelConversionLosses ZelConversionSetting "
+              "ZelStopConversions ZelSetTraceMaxLevel ZelSetTraceSink\n");
     unload();
     const std::string mapped = readFile("/proc/self/maps");
 #ifndef __SANITIZE_THREAD__ // which keeps every library for its reports
