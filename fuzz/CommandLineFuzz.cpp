@@ -10,7 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::string> arguments = fuzz::Input(data, size).lines();
     const launcher::CommandLine commandLine = launcher::parseCommandLine(arguments);
     if (const auto* options = std::get_if<launcher::Options>(&commandLine)) {
-        FUZZ_EXPECT(!options->sources.empty() && !options->destination.empty());
+        FUZZ_EXPECT(!options->sources.empty());
+        FUZZ_EXPECT(!options->destination.empty() || options->each || options->sources.size() == 1);
         FUZZ_EXPECT(std::ranges::find(options->sources, "") == options->sources.end());
         // What the launcher hands to the window is read back as the very same paths.
         const auto isPlain = [](const std::string& path) {

@@ -23,6 +23,8 @@ EngineExports::EngineExports(const std::string& engineFolder) {
             tarn::platform::findSymbol(library, "ZelConversionLosses"));
         mEnding = reinterpret_cast<zel::ConversionEndingFunction>(
             tarn::platform::findSymbol(library, "ZelConversionEnding"));
+        mSetting = reinterpret_cast<zel::ConversionSettingFunction>(
+            tarn::platform::findSymbol(library, "ZelConversionSetting"));
         mStop = reinterpret_cast<zel::StopConversionsFunction>(
             tarn::platform::findSymbol(library, "ZelStopConversions"));
     }
@@ -41,6 +43,10 @@ std::string EngineExports::losses() const {
         return {};
     }
     return text.front() != '\0' ? text.data() : "content of the recording is missing";
+}
+
+bool EngineExports::choose(const char* name, const char* value) const {
+    return mSetting != nullptr && !zel::isFailure(mSetting(name, value));
 }
 
 std::optional<EngineExports::Ending> EngineExports::ending() const {

@@ -20,6 +20,9 @@ public:
     /// What the conversion that ended last lost; empty when nothing, as far as the engine tells.
     std::string losses() const;
 
+    /// See zel::ConversionSettingFunction. False from an engine that offers no such choice.
+    bool choose(const char* name, const char* value) const;
+
     struct Ending {
         std::int32_t code = 0; ///< see zel::ConversionEndingFunction
         std::string reason;
@@ -33,6 +36,7 @@ public:
 private:
     zel::ConversionLossesFunction mLosses = nullptr;
     zel::ConversionEndingFunction mEnding = nullptr;
+    zel::ConversionSettingFunction mSetting = nullptr;
     zel::StopConversionsFunction mStop = nullptr;
 };
 

@@ -1,6 +1,7 @@
 #include "launcher/Options.h"
 
 #include "launcher/Texts.h"
+#include "launcher/usage/OptionTable.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ public:
     explicit Parser(const std::vector<std::string>& arguments) : mArguments(arguments) {}
 
     CommandLine parse() {
-        while (mNext < mArguments.size() && !mError) {
+        while (mNext < mArguments.size() && !mError && !mAnswer) {
             const std::string& argument = mArguments[mNext++];
             if (!tarn::platform::isValidUtf8(argument)) {
                 mError =
@@ -24,69 +25,90 @@ public:
                 mPaths.push_back(argument);
             } else if (argument == "--") {
                 mOptionsEnded = true;
-            } else if (argument == "--help" || argument == "-h") {
-                return HelpWanted{};
-            } else if (argument == "--version") {
-                return VersionWanted{};
             } else {
-                takeOption(argument);
+                takeOption(argument == "-h" ? "--help" : argument);
             }
         }
-        return finish();
+        return mAnswer && !mError ? *mAnswer : finish();
     }
 
 private:
     void takeOption(const std::string& argument) {
         const std::size_t equals = argument.find('=');
-        const std::string name = argument.substr(0, equals);
-        if (equals != std::string::npos) {
-            mInlineValue = argument.substr(equals + 1);
-        }
-        if (name == "--theme") {
-            takeTheme();
-        } else if (name == "--engine-folder") {
-            takeFolder(name, mOptions.engineFolder);
-        } else if (name == "--archive-logs") {
-            takeFolder(name, mArchiveDestination);
-        } else if (mInlineValue) {
+        const bool isJoined = equals != std::string::npos;
+        const OptionEntry* const option = findOption(argument.substr(0, equals));
+        if (option == nullptr || (isJoined && option->value.empty())) {
             mError = "The option " + inQuotes(argument) + " is unknown.";
-        } else if (name == "--no-window") {
-            mOptions.window = false;
-        } else if (name == "--overwrite") {
-            mOptions.overwrite = true;
-        } else if (name == "--delete-sources") {
-            mOptions.deleteSources = true;
+        } else if (option->value.empty()) {
+            apply(option->id, {});
+        } else if (isJoined) {
+            applyChecked(*option, argument.substr(equals + 1));
         } else {
-            mError = "The option " + inQuotes(argument) + " is unknown.";
-        }
-        mInlineValue.reset();
-    }
-
-    std::optional<std::string> takeValue() {
-        if (mInlineValue) {
-            return mInlineValue;
-        }
-        if (mNext == mArguments.size()) {
-            return std::nullopt;
-        }
-        return mArguments[mNext++];
-    }
-
-    void takeTheme() {
-        const std::optional<std::string> value = takeValue();
-        if (value == "light" || value == "dark") {
-            mOptions.theme = value == "dark" ? Theme::Dark : Theme::Light;
-        } else {
-            mError = "The option --theme takes light or dark.";
+            applyChecked(*option, mNext < mArguments.size() ? mArguments[mNext++] : "");
         }
     }
 
-    void takeFolder(const std::string& option, std::string& folder) {
-        const std::optional<std::string> value = takeValue();
-        if (!value || value->empty() || !tarn::platform::isValidUtf8(*value)) {
-            mError = "The option " + option + " takes the path of a folder.";
+    void applyChecked(const OptionEntry& option, const std::string& value) {
+        const std::string name(option.name);
+        if (option.takesWord() && !isOneOf(option.value, value)) {
+            std::string words(option.value);
+            for (std::size_t bar = 0; (bar = words.find('|')) != std::string::npos;) {
+                words.replace(bar, 1,
+                              words.find('|', bar + 1) == std::string::npos ? " or " : ", ");
+            }
+            mError = "The option " + name + " takes " + words + ".";
+        } else if (value.empty() || !tarn::platform::isValidUtf8(value)) {
+            mError = "The option " + name + " takes " +
+                     (option.value == "FOLDER" ? "the path of a folder." : "a number.");
         } else {
-            folder = *value;
+            apply(option.id, value);
+        }
+    }
+
+    void apply(OptionId id, const std::string& value) {
+        switch (id) {
+            case OptionId::NoWindow:
+                mOptions.window = false;
+                break;
+            case OptionId::Each:
+                mOptions.each = true;
+                break;
+            case OptionId::To:
+                mOptions.folder = value;
+                break;
+            case OptionId::Overwrite:
+                mOptions.overwrite = true;
+                break;
+            case OptionId::DeleteSources:
+                mOptions.deleteSources = true;
+                break;
+            case OptionId::Quality:
+                mOptions.quality = value;
+                break;
+            case OptionId::FastStart:
+                mOptions.fastStart = true;
+                break;
+            case OptionId::Json:
+                mOptions.json = true;
+                break;
+            case OptionId::Theme:
+                mOptions.theme = value == "dark" ? Theme::Dark : Theme::Light;
+                break;
+            case OptionId::EngineFolder:
+                mOptions.engineFolder = value;
+                break;
+            case OptionId::ArchiveLogs:
+                mArchiveDestination = value;
+                break;
+            case OptionId::Explain:
+                mAnswer = ExplanationWanted{value};
+                break;
+            case OptionId::Help:
+                mAnswer = HelpWanted{};
+                break;
+            case OptionId::Version:
+                mAnswer = VersionWanted{};
+                break;
         }
     }
 
@@ -97,27 +119,41 @@ private:
             }
             mError = "The option --archive-logs converts nothing: give no recording with it.";
         }
-        if (!mError && mPaths.size() < 2) {
-            mError = mPaths.empty() ? "No recording and no destination are given."
-                                    : "No destination is given after " + inQuotes(mPaths[0]) + ".";
-        }
-        if (!mError && std::ranges::find(mPaths, "") != mPaths.end()) {
-            mError = "An empty text is no path.";
+        if (!mError) {
+            mError = objectionToPaths();
         }
         if (mError) {
-            return UsageError{*mError};
+            // Whoever asks for it wants to hear of every mistake, also of one that stands before
+            // it.
+            return UsageError{*mError, std::ranges::find(mArguments, "--json") != mArguments.end()};
         }
-        mOptions.destination = mPaths.back();
-        mPaths.pop_back();
+        if (!mOptions.each && mPaths.size() > 1) {
+            mOptions.destination = mPaths.back();
+            mPaths.pop_back();
+        }
         mOptions.sources = mPaths;
+        mOptions.window = mOptions.window && !mOptions.each && !mOptions.json;
         return mOptions;
+    }
+
+    std::optional<std::string> objectionToPaths() const {
+        if (mPaths.empty()) {
+            return "No recording is given.";
+        }
+        if (std::ranges::find(mPaths, "") != mPaths.end()) {
+            return "An empty text is no path.";
+        }
+        if (!mOptions.folder.empty() && !mOptions.each) {
+            return "The option --to goes with --each: without it give the destination last.";
+        }
+        return std::nullopt;
     }
 
     const std::vector<std::string>& mArguments;
     std::size_t mNext = 0;
     bool mOptionsEnded = false;
-    std::optional<std::string> mInlineValue;
     std::optional<std::string> mError;
+    std::optional<CommandLine> mAnswer; ///< to a question, whatever follows
     std::vector<std::string> mPaths;
     std::string mArchiveDestination;
     Options mOptions;

@@ -11,6 +11,12 @@
 namespace launcher {
 namespace {
 
+bool goesUp(const std::filesystem::path& path) {
+    return std::ranges::find(path, "..") != path.end();
+}
+
+} // namespace
+
 std::filesystem::path fromText(const std::string& text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
@@ -19,12 +25,6 @@ std::string toText(const std::filesystem::path& path) {
     const std::u8string text = path.u8string();
     return {text.begin(), text.end()};
 }
-
-bool goesUp(const std::filesystem::path& path) {
-    return std::ranges::find(path, "..") != path.end();
-}
-
-} // namespace
 
 std::string absolutePath(const std::string& path) {
     std::error_code error;

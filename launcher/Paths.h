@@ -1,8 +1,13 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace launcher {
+
+/// UTF-8 as the standard's paths have it, and back.
+std::filesystem::path fromText(const std::string& text);
+std::string toText(const std::filesystem::path& path);
 
 /// The path seen from the working folder, links kept as they are. UTF-8.
 std::string absolutePath(const std::string& path);

@@ -1,5 +1,7 @@
 #include "launcher/Preflight.h"
 
+#include "launcher/EngineExports.h"
+#include "launcher/RecordingNames.h"
 #include "launcher/Texts.h"
 #include "loader/LibraryLoader.h"
 #include "platform/FileIdentity.h"
@@ -23,7 +25,8 @@ Objection checkSource(const std::string& source, bool isToBeDeleted) {
         return "There is no recording " + inQuotes(source) + ": check the path.";
     }
     if (identity->kind == FileKind::Folder) {
-        return inQuotes(source) + " is a folder: name the recording's file in it.";
+        return inQuotes(source) +
+               " is a folder: name the recording's file in it, or convert each with --each.";
     }
     // Opening one of those might wait for ever.
     if (identity->kind != FileKind::Ordinary) {
@@ -37,13 +40,6 @@ Objection checkSource(const std::string& source, bool isToBeDeleted) {
                " is a link: name the recording itself, or leave out --delete-sources.";
     }
     return std::nullopt;
-}
-
-bool endsInMp4(const std::string& path) {
-    std::string extension = tarn::FileUtils().extensionOfPath(path);
-    std::ranges::transform(extension, extension.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
-    return extension == ".mp4";
 }
 
 /// What has the destination's name already.
@@ -64,7 +60,8 @@ Objection checkPresent(const Job& job) {
     }
     // A forgotten destination must not cost the last recording.
     if (!job.overwrite) {
-        return name + " exists: choose another name, or replace it with --overwrite.";
+        return name + " exists: choose another name, or replace it with --overwrite" +
+               (job.sources.size() > 1 ? ", or make a file from each recording with --each." : ".");
     }
     if (tarn::platform::isWriteProtected(job.destination)) {
         return name + " is write-protected: choose another name, or change its permissions.";
@@ -73,24 +70,15 @@ Objection checkPresent(const Job& job) {
 }
 
 Objection checkDestination(const Job& job) {
-    const tarn::FileUtils files;
     const std::string& destination = job.destination;
     if (Objection objection = checkPresent(job)) {
         return objection;
     }
-    if (!endsInMp4(destination)) {
+    if (!isMp4(destination)) {
         return "The destination " + inQuotes(destination) +
                " must end in .mp4: give its name last.";
     }
-    const std::string folder = tarn::fileNames::parentOf(destination);
-    if (!files.dirExists(folder)) {
-        return "There is no folder " + inQuotes(folder) + " for the destination: make it first.";
-    }
-    if (!tarn::platform::isFolderWritable(folder)) {
-        return "The folder " + inQuotes(folder) +
-               " cannot be written: choose another destination or change its permissions.";
-    }
-    return std::nullopt;
+    return checkFolder(tarn::fileNames::parentOf(destination));
 }
 
 } // namespace
@@ -101,13 +89,28 @@ Objection checkFiles(const Job& job) {
             return objection;
         }
     }
-    for (const std::string& source : job.sources) {
-        if (source == job.destination || tarn::FileUtils().isSameFile(source, job.destination)) {
-            return "The destination " + inQuotes(job.destination) +
-                   " is one of the recordings: choose another name.";
-        }
+    const bool isThere = tarn::FileUtils().exists(job.destination);
+    const auto isDestination = [&](const std::string& path) {
+        return path == job.destination ||
+               (isThere && tarn::FileUtils().isSameFile(path, job.destination));
+    };
+    if (std::ranges::any_of(job.sources, isDestination) ||
+        std::ranges::any_of(job.spared, isDestination)) {
+        return "The destination " + inQuotes(job.destination) +
+               " is one of the recordings: choose another name.";
     }
     return checkDestination(job);
+}
+
+Objection checkFolder(const std::string& folder) {
+    if (!tarn::FileUtils().dirExists(folder)) {
+        return "There is no folder " + inQuotes(folder) + " for the destination: make it first.";
+    }
+    if (!tarn::platform::isFolderWritable(folder)) {
+        return "The folder " + inQuotes(folder) +
+               " cannot be written: choose another destination or change its permissions.";
+    }
+    return std::nullopt;
 }
 
 Objection checkEngine(const std::string& engineFolder) {
@@ -131,6 +134,20 @@ Objection checkEngine(const std::string& engineFolder) {
     }
     if (tarn::platform::findSymbol(library, "CreateMediaConverter") == nullptr) {
         return inQuotes(path) + " is no media engine (it lacks CreateMediaConverter)" + remedy;
+    }
+    return std::nullopt;
+}
+
+Objection applyChoices(const Job& job) {
+    const EngineExports engine(job.engineFolder);
+    const auto unknown = [](const std::string& option) {
+        return "This media engine knows no " + option + ": leave it out.";
+    };
+    if (job.fastStart && !engine.choose("fast-start", "on")) {
+        return unknown("--fast-start");
+    }
+    if (!job.quality.empty() && !engine.choose("quality", job.quality.c_str())) {
+        return unknown("--quality");
     }
     return std::nullopt;
 }

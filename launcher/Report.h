@@ -1,23 +1,27 @@
 #pragma once
 
 #include "launcher/EngineExports.h"
-#include "launcher/ExitStatus.h"
 #include "launcher/JobFiles.h"
+#include "launcher/Outcome.h"
 #include "launcher/Preflight.h"
 
 #include <string>
 
 namespace launcher {
 
-/// What the user is told when a conversion has ended, and the status that goes with it.
-
-/// For a conversion that its engine calls complete: looks at the destination, and removes the
+/// Of a conversion that its engine calls complete: looks at the destination, and removes the
 /// sources when that was asked for and nothing is lost.
-ExitStatus reportComplete(const Job& job, const JobFiles& files, const EngineExports& engine);
+Outcome completed(const Job& job, const JobFiles& files, const EngineExports& engine);
 
 /// `reason` is the engine's own, or empty.
-ExitStatus reportFailure(const std::string& what, const std::string& reason);
+Outcome failed(const std::string& what, const std::string& reason = {}, std::int32_t error = 0);
+Outcome engineFailed(std::int32_t error, const std::string& reason);
 
-ExitStatus reportStopped();
+/// Tells the user of the only conversion there is.
+void report(const Job& job, const Outcome& outcome);
+void sayWhereTheLogIs();
+
+/// The same in a line about one of many.
+std::string resultText(const Job& job, const Outcome& outcome);
 
 } // namespace launcher

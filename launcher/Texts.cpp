@@ -41,39 +41,4 @@ std::string inQuotes(std::string_view text) {
     return '"' + visible(text) + '"';
 }
 
-std::string helpText(std::string_view logFolder) {
-    std::string text =
-        R"(usage: record-converter [options] SOURCE... DESTINATION
-       record-converter --archive-logs DIR
-
-Turns a recording into an ordinary .mp4 file. Several sources are parts of one
-recording, in the given order.
-
-  --no-window            convert in the terminal, without a window
-  --theme light|dark     for the window
-  --engine-folder DIR    the runtime folder, which holds the media engine and the
-                         window's library; default: "runtime" beside the
-                         program's own folder
-  --overwrite            replace a destination that exists; default: refuse it
-  --delete-sources       delete the sources when all that they hold is in the
-                         destination; default: keep them
-  --archive-logs DIR     pack the logs of this and the previous run into a zip file
-                         in that folder, where the newest five are kept
-  --help, --version      say this, or the version
-  --                     end of the options
-
-Ctrl-C stops a conversion, removes what was written so far and keeps the sources.
-
-exit status: 0 converted completely, or archived; 1 that failed; 2 nothing was
-started; 3 converted, but something that the recording holds is missing in the
-destination: the sources are kept; 130 stopped. Standard error says why.
-
-log: )";
-    return text.append(visible(logFolder)).append("\n");
-}
-
-std::string versionText() {
-    return "record-converter " RECORD_CONVERTER_VERSION "\n";
-}
-
 } // namespace launcher

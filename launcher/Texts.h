@@ -12,9 +12,4 @@ std::string visible(std::string_view text);
 /// The same in double quotes, for a path or an argument.
 std::string inQuotes(std::string_view text);
 
-/// The text of --help. `logFolder` is where the log goes.
-std::string helpText(std::string_view logFolder);
-
-std::string versionText();
-
 } // namespace launcher

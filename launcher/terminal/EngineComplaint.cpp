@@ -14,4 +14,9 @@ std::string EngineComplaint::text() const {
     return mText;
 }
 
+void EngineComplaint::forget() {
+    const std::lock_guard lock(mMutex);
+    mText.clear();
+}
+
 } // namespace launcher

@@ -17,6 +17,7 @@ public:
 
     /// Empty when the engine wrote none; masked like the log. Flush the root logger first.
     std::string text() const;
+    void forget();
 
 private:
     mutable std::mutex mMutex;

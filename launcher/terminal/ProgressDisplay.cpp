@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 namespace launcher {
 namespace {
@@ -54,14 +55,16 @@ std::string progressLine(float percent, std::chrono::milliseconds elapsed, std::
     return tail.substr(0, static_cast<std::size_t>(std::max(width, 0)));
 }
 
-ProgressDisplay::ProgressDisplay(std::uint64_t bytes)
-    : mBytes(bytes), mTerminal(tarn::platform::isTerminal(TerminalStream::Error)) {
+ProgressDisplay::ProgressDisplay(std::uint64_t bytes, std::string label)
+    : mBytes(bytes),
+      mLabel(std::move(label)),
+      mTerminal(tarn::platform::isTerminal(TerminalStream::Error)) {
 }
 
 void ProgressDisplay::update(float percent) {
     if (!mTerminal) {
         const int tenths = static_cast<int>(percent) / 10;
-        if (tenths > mTenths) {
+        if (tenths > mTenths && mLabel.empty()) {
             mTenths = tenths;
             tarn::platform::writeTerminal(TerminalStream::Error,
                                           std::to_string(tenths * 10) + " %\n");
@@ -72,7 +75,8 @@ void ProgressDisplay::update(float percent) {
         std::chrono::steady_clock::now() - mStart);
     // One column less than there is: a full line would wrap on some terminals.
     const int width = tarn::platform::terminalWidth(TerminalStream::Error) - 1;
-    std::string line = progressLine(percent, elapsed, mBytes, width);
+    std::string line =
+        mLabel + progressLine(percent, elapsed, mBytes, width - static_cast<int>(mLabel.size()));
     if (line != mShown) {
         const std::size_t leftover = mShown.size() > line.size() ? mShown.size() - line.size() : 0;
         tarn::platform::writeTerminal(TerminalStream::Error,
@@ -83,7 +87,9 @@ void ProgressDisplay::update(float percent) {
 
 void ProgressDisplay::finish() {
     if (!mShown.empty()) {
-        tarn::platform::writeTerminal(TerminalStream::Error, "\n");
+        tarn::platform::writeTerminal(
+            TerminalStream::Error,
+            mLabel.empty() ? "\n" : "\r" + std::string(mShown.size(), ' ') + "\r");
         mShown.clear();
     }
 }

@@ -17,15 +17,17 @@ std::string progressLine(float percent, std::chrono::milliseconds elapsed, std::
 /// tenth elsewhere.
 class ProgressDisplay {
 public:
-    /// `bytes` is the size of the sources together.
-    explicit ProgressDisplay(std::uint64_t bytes);
+    /// `bytes` is the size of the sources together. With a label, which goes before the bar, only
+    /// terminals get something, and a line about the result follows in the bar's place.
+    explicit ProgressDisplay(std::uint64_t bytes, std::string label = {});
 
     void update(float percent);
-    /// Ends the bar's line, so that text may follow.
+    /// Ends or empties the bar's line, so that text may follow.
     void finish();
 
 private:
     std::uint64_t mBytes;
+    std::string mLabel;
     bool mTerminal;
     std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
     std::string mShown;

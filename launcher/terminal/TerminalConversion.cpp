@@ -3,10 +3,6 @@
 #include "launcher/EngineExports.h"
 #include "launcher/JobFiles.h"
 #include "launcher/Report.h"
-#include "launcher/Say.h"
-#include "launcher/Texts.h"
-#include "launcher/terminal/EngineComplaint.h"
-#include "launcher/terminal/ProgressDisplay.h"
 #include "launcher/terminal/TerminalSession.h"
 #include "log/LogCall.h"
 #include "logging/RootLogger.h"
@@ -37,44 +33,50 @@ std::string withoutNumber(const std::string& complaint, std::int32_t code) {
 
 class TerminalConversion {
 public:
-    TerminalConversion(const Job& job, std::shared_ptr<recordconverter::ConverterLog> converterLog)
+    TerminalConversion(const Job& job, TerminalRun& run)
         : mJob(job),
+          mRun(run),
           mFiles(job),
           mEngine(job.engineFolder),
           mState(std::make_shared<ConversionState>()),
           mSession(std::make_unique<TerminalSession>(job.engineFolder, job.destination,
-                                                     std::move(converterLog), mState)) {
-        tarn::RootLogger::getInstance().registerLogger(mComplaint);
-    }
+                                                     run.converterLog, mState)) {}
 
-    ExitStatus run() {
+    Outcome run() {
         mSession->addObserver(mState);
         mSession->loadEngine();
         mEngine.acceptLosses();
         // Should the engine take the process with it, the log says what it was at.
         tarn::RootLogger::getInstance().flush();
+        mRun.complaint->forget();
+        mRun.narrator.begin(mJob, mFiles.totalSize());
         mSession->startConvert(mJob.sources, mJob.destination, kEngineParam1, kEngineParam2);
+        Outcome outcome;
         if (!mState->started()) {
-            return finish(failed("The engine did not start the conversion"));
+            tarn::RootLogger::getInstance().flush();
+            outcome = failed("The engine did not start the conversion",
+                             withoutNumber(mRun.complaint->text(), 0));
+        } else {
+            const std::optional<ConversionState::Ending> ending = waitForEnding();
+            outcome = ending ? windUp(*ending) : stop();
         }
-        const std::optional<ConversionState::Ending> ending = waitForEnding();
-        return ending ? windUp(*ending) : stop();
+        leaveEngine(outcome);
+        mRun.narrator.end(mJob, outcome);
+        return outcome;
     }
 
 private:
     /// Nothing when the user interrupts first.
     std::optional<ConversionState::Ending> waitForEnding() {
-        ProgressDisplay display(mFiles.totalSize());
         std::optional<ConversionState::Ending> ending;
         while (!ending && !tarn::platform::interrupted()) {
             ending = mState->waitUntilSettled(kRedrawPeriod);
-            display.update(mState->percent());
+            mRun.narrator.progress(mState->percent());
         }
-        display.finish();
         return ending;
     }
 
-    ExitStatus stop() {
+    Outcome stop() {
         if (!mState->claimEnding()) {
             // The engine was faster, and is about to say so.
             return windUp(mState->waitUntilSettled(std::chrono::hours(1))
@@ -86,62 +88,70 @@ private:
         if (ending && ending->code == zel::kZelSuccess) {
             return windUp({Result::Complete}); // it had just ended
         }
-        const ExitStatus status = reportStopped();
-        if (!isStopped && mFiles.hasDestinationChanged()) {
-            // Whose work it is cannot be told, so it stays.
-            say(inQuotes(mJob.destination) + " may be unfinished: look at it, or delete it.");
-        }
-        return finish(status);
+        return {.status = ExitStatus::Stopped,
+                .mayBeUnfinished = !isStopped && mFiles.hasDestinationChanged()};
     }
 
     /// Waits for the engine's threads first: on Windows an open source cannot be deleted.
-    ExitStatus windUp(const ConversionState::Ending& ending) {
+    Outcome windUp(const ConversionState::Ending& ending) {
         mSession->stopConversions(kWindUpPatience);
         tarn::RootLogger::getInstance().flush();
-        return finish(
-            ending.result == Result::Complete
-                ? reportComplete(mJob, mFiles, mEngine)
-                : failed("The engine failed with its error " + std::to_string(ending.errorCode),
-                         ending.errorCode));
+        return ending.result == Result::Complete
+                   ? completed(mJob, mFiles, mEngine)
+                   : engineFailed(ending.errorCode, reasonOf(ending.errorCode));
     }
 
-    ExitStatus failed(const std::string& what, std::int32_t code = 0) {
-        tarn::RootLogger::getInstance().flush();
-        return reportFailure(what, withoutNumber(mComplaint->text(), code));
+    /// From an engine that does not say it, the last Error line of its trace.
+    std::string reasonOf(std::int32_t code) const {
+        const auto told = mEngine.ending();
+        return told && told->code == code ? told->reason
+                                          : withoutNumber(mRun.complaint->text(), code);
     }
 
     /// Ends the engine's threads before its code and our sink go away.
-    ExitStatus finish(ExitStatus status) {
-        const bool quiet = mSession->stopConversions(0);
-        if (quiet) {
+    void leaveEngine(const Outcome& outcome) {
+        if (mSession->stopConversions(0)) {
             mSession.reset();
+        } else {
+            // Its threads may still call us, so the session stays.
+            mRun.isEngineQuiet = false;
+            static_cast<void>(mSession.release());
         }
         TARN_LOG(tarn::RootLoggerLevel::Info,
-                 "The conversion ends with status " << static_cast<int>(status));
-        if (!quiet) {
-            tarn::RootLogger::getInstance().flush();
-            // Its threads may still call us, so the session stays. The engine's own exit handlers
-            // run, and may remove what it has not finished.
-            static_cast<void>(mSession.release());
-            // No other thread of ours ends it. NOLINTNEXTLINE(concurrency-mt-unsafe)
-            std::exit(static_cast<int>(status));
-        }
-        return status;
+                 "The conversion ends with status " << static_cast<int>(outcome.status));
     }
 
     const Job& mJob;
+    TerminalRun& mRun;
     JobFiles mFiles;
     EngineExports mEngine;
-    std::shared_ptr<EngineComplaint> mComplaint = std::make_shared<EngineComplaint>();
     std::shared_ptr<ConversionState> mState;
     std::unique_ptr<TerminalSession> mSession;
 };
 
 } // namespace
 
-ExitStatus convertInTerminal(const Job& job,
-                             const std::shared_ptr<recordconverter::ConverterLog>& converterLog) {
-    return TerminalConversion(job, converterLog).run();
+TerminalRun::TerminalRun(std::shared_ptr<recordconverter::ConverterLog> log, Narrator& teller)
+    : converterLog(std::move(log)),
+      complaint(std::make_shared<EngineComplaint>()),
+      narrator(teller) {
+    tarn::RootLogger::getInstance().registerLogger(complaint);
+}
+
+Outcome convertInTerminal(const Job& job, TerminalRun& run) {
+    return TerminalConversion(job, run).run();
+}
+
+ExitStatus leaveTerminal(TerminalRun& run, ExitStatus status) {
+    tarn::RootLogger::getInstance().flush();
+    if (!run.isEngineQuiet) {
+        // The engine's own exit handlers run, and may remove what it has not finished. No other
+        // thread of ours ends the process. NOLINTNEXTLINE(concurrency-mt-unsafe)
+        std::exit(static_cast<int>(status));
+    }
+    run.converterLog.reset();
+    tarn::RootLogger::getInstance().flush();
+    return status;
 }
 
 } // namespace launcher

@@ -41,14 +41,18 @@ void WindowEnding::look() {
     }
     const auto ending = mEngine.ending();
     if (isComplete(false)) {
-        mStatus = reportComplete(mJob, mFiles, mEngine);
+        settle(completed(mJob, mFiles, mEngine));
     } else if (ending && ending->code > zel::kZelSuccess) {
-        mStatus = reportFailure("The engine failed with its error " + std::to_string(ending->code),
-                                inUsersWords(ending->reason));
+        settle(engineFailed(ending->code, inUsersWords(ending->reason)));
     }
     if (mStatus) {
         mStaging.clear();
     }
+}
+
+void WindowEnding::settle(const Outcome& outcome) {
+    report(mJob, outcome);
+    mStatus = outcome.status;
 }
 
 /// With the sources under the names that the user gave.
@@ -78,22 +82,24 @@ ExitStatus WindowEnding::conclude(Reason reason) {
     look();
     const std::lock_guard lock(mMutex);
     if (!mStatus) {
-        mStatus = isComplete(true) ? reportComplete(mJob, mFiles, mEngine) : reportUnended(reason);
+        settleUnended(reason);
     }
     mStaging.clear();
     return *mStatus;
 }
 
-ExitStatus WindowEnding::reportUnended(Reason reason) const {
-    if (reason == Reason::NotShown) {
+void WindowEnding::settleUnended(Reason reason) {
+    if (isComplete(true)) {
+        settle(completed(mJob, mFiles, mEngine));
+    } else if (reason == Reason::NotShown) {
         say("The window could not be shown: the log says why, see record-converter --help.");
-        return ExitStatus::Failed;
+        mStatus = ExitStatus::Failed;
+    } else if (reason == Reason::Interrupted || mEngine.ending()) {
+        // An engine that tells how it ended did not fail, so it was at work.
+        settle({.status = ExitStatus::Stopped});
+    } else {
+        settle(failed("It was stopped, or the engine failed"));
     }
-    // An engine that tells how it ended did not fail, so it was at work.
-    if (reason == Reason::Interrupted || mEngine.ending()) {
-        return reportStopped();
-    }
-    return reportFailure("It was stopped, or the engine failed", "");
 }
 
 /// The window knows nothing of Ctrl-C, and its thread is at work: the process ends without another

@@ -3,6 +3,7 @@
 #include "launcher/EngineExports.h"
 #include "launcher/ExitStatus.h"
 #include "launcher/JobFiles.h"
+#include "launcher/Outcome.h"
 #include "launcher/Preflight.h"
 #include "launcher/window/SourceStaging.h"
 
@@ -36,7 +37,8 @@ private:
     void look();
     bool isComplete(bool isOver) const;
     std::string inUsersWords(std::string text) const;
-    ExitStatus reportUnended(Reason reason) const;
+    void settle(const Outcome& outcome);
+    void settleUnended(Reason reason);
     [[noreturn]] void endInterrupted();
 
     const Job mJob;

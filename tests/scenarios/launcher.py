@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """The launcher on a scripted engine and a scripted product library."""
+import json
 import os
 import pwd
 import re
@@ -50,8 +51,8 @@ class Endings(Launched):
         ("whole", DONE, None, READY, "100 %\n", True),
         ("whole", "result 4095\nwrite done\nprogress 1e9\nerror 1", None, READY, "out.mp4", True),
         ("no-stop", "write done\nprogress 100\nhold", None, READY, "out.mp4", True),
-        ("whole", "progress 60\nprogress nan\nerror -3", "older", FAILED, "its error -3.", False),
-        ("whole", "write done\nerror 5\nprogress 100\nerror 6", None, FAILED, "error 5.", False),
+        ("whole", "progress 60\nprogress nan\nerror -3", "older", FAILED, "its error -3: as the", False),
+        ("whole", "write done\nerror 5\nprogress 100\nerror 6", None, FAILED, "error 5: as the", False),
         ("whole", "write \nprogress 100", None, FAILED, "wrote no destination", False),
         ("whole", "progress 100", "older", FAILED, "wrote no destination", False),
         ("whole", "result -100", None, FAILED, "did not start", False),
@@ -139,6 +140,136 @@ class Endings(Launched):
         self.assertLess(max(map(len, shown.split("\r"))), 50)
 
 
+class OneSource(Launched):
+    def test_becomes_an_mp4_beside_it_and_never_replaces_one(self):
+        for name, made in (("a.mkv", "a.mp4"), ("b.mp4", "b (converted).mp4"), ("1.2", "1.2.mp4")):
+            source = self.write(name, DONE)
+            for options, status in (((), READY), ((), REFUSED), (("--overwrite",), READY)):
+                run = self.on_fake("whole", *options, source)
+                self.assertEqual((run.status, made in run.errors), (status, True), run)
+            self.assertEqual(source.read_text(), DONE)
+            self.assertEqual((self.folder / made).read_text(), "done")
+
+    def test_the_engine_hears_what_was_chosen(self):
+        chosen = "--fast-start", "--quality", "small"
+        source = self.write("a.mkv", "settings\nprogress 100")
+        self.assertEqual(self.on_fake("whole", *chosen, source, self.destination).status, READY)
+        self.assertEqual(self.destination.read_text(), "fast-start=on quality=small ")
+        for option in (chosen[:1], chosen[1:]):
+            for mode in (["--no-window"], []):
+                engine = "--engine-folder", FAKES / "no-stop", "--overwrite"
+                run = self.run_program(*mode, *engine, *option, source, self.destination)
+                self.assertEqual(run.status, REFUSED, run)
+                self.assertIn(f"This media engine knows no {option[0]}", run.errors)
+
+
+class Each(Launched):
+    """Many recordings in one run."""
+
+    def each(self, *arguments, variant="whole"):
+        run = self.run_program("--engine-folder", FAKES / variant, "--each", *arguments)
+        self.events = [json.loads(line) for line in run.output.splitlines()]
+        ends = [event for event in self.events if event["event"] == "end"]
+        self.ends = [(Path(each["sources"][0]).name, each["result"]) for each in ends]
+        return run
+
+    def test_every_recording_of_a_folder_becomes_a_file_whatever_becomes_of_the_others(self):
+        folder, to = self.folder / "d", self.folder / "to"
+        folder.mkdir()
+        to.mkdir()
+        odd = 'o"\\.mkv' if WINE else os.fsdecode(b'o\xff"\\\n.mkv')
+        lost = "lose 2 s\nwrite done\nprogress 50\nprogress 100"
+        for name, content in (
+            ("A.mkv", DONE),
+            ("a.webm", DONE),
+            ("b.mkv", "error 5"),
+            ("c.mkv", lost),
+            ("content", "OggS\n" + DONE),
+            ("done.mp4", DONE),
+            ("notes.txt", DONE),
+            (".part.mkv", DONE),
+            *([] if WINE else [(odd, DONE)]),
+        ):
+            (folder / name).write_text(content)
+        last = self.write("last.mp4", DONE)
+        flags = "--json", "--delete-sources"
+        run = self.each(*flags, folder, "gone.mkv", folder / "A.mkv", last, "--to", to)
+        expected = [
+            ("A.mkv", "complete"),
+            ("a.webm", "complete"),
+            ("b.mkv", "failed"),
+            ("c.mkv", "incomplete"),
+            ("content", "complete"),
+            *([] if WINE else [(odd, "refused")]),
+            ("gone.mkv", "refused"),
+            ("last.mp4", "complete"),
+        ]
+        self.assertEqual((run.status, self.ends), (FAILED, expected), run)
+        made = ["A.mp4", "a (2).mp4", "c.mp4", "content.mp4", "last (converted).mp4"]
+        self.assertEqual(sorted(each.name for each in to.iterdir()), sorted(made))
+        kept = {".part.mkv", "b.mkv", "c.mkv", "done.mp4", "notes.txt"} | (set() if WINE else {odd})
+        self.assertEqual({each.name for each in folder.iterdir()}, kept)
+        self.assertFalse(last.exists())
+        lines = run.errors.splitlines()
+        count = len(expected)
+        for number, (line, (name, result)) in enumerate(zip(lines, expected), 1):
+            self.assertTrue(line.startswith(f'{number}/{count} "'), line)
+        self.assertIn('b.mkv" failed: The engine failed with its error 5: as the script', lines[2])
+        self.assertTrue(lines[3].endswith('c.mp4": 2 s'), lines[3])
+        refused = count - 6
+        words = (
+            f"{count} recordings: 4 ready, 1 not complete, {refused} refused, 1 failed, 1 left out"
+        )
+        self.assertTrue(lines[count].startswith(words), lines[count])
+        self.assertEqual(len(lines), count + 2, run)
+
+        begun = [event for event in self.events if event["event"] == "start"]
+        self.assertEqual([each["number"] for each in begun][-1], count)
+        self.assertIn({"event": "losses", "text": "2 s"}, self.events)
+        self.assertIn({"event": "progress", "percent": 100}, self.events)
+        failure = next(each for each in self.events if each.get("result") == "failed")
+        self.assertEqual((failure["error"], failure["reason"]), (5, "as the script says"))
+        summary = self.events[-1]
+        self.assertEqual((summary["event"], summary["status"]), ("summary", FAILED))
+        self.assertEqual([Path(each).name for each in summary["leftOut"]], ["done.mp4"])
+        self.assertRegex(run.output, r"\A[ -~\n]*\Z")
+
+    def test_the_worst_status_is_that_of_the_run(self):
+        other = self.write("z.mp4", DONE)
+        ready, lost = self.write("1.mkv", DONE), self.write("2.mkv", "lose x\n" + DONE)
+        for status, sources in (
+            (READY, [ready]),
+            (INCOMPLETE, [lost, ready]),
+            # Neither another recording of the run nor what it has made is replaced.
+            (REFUSED, [ready, self.write("z.mkv", DONE), other]),
+            (FAILED, ["gone.mkv", self.write("3.mkv", "error 5"), lost]),
+        ):
+            for variant in ("whole", "no-stop"):
+                if variant == "no-stop" and status == INCOMPLETE:
+                    continue  # it cannot tell
+                run = self.each("--overwrite", *sources, variant=variant)
+                self.assertEqual(run.status, status, run)
+                self.assertEqual(run.errors.count("\n"), len(sources) + 1 + (status == FAILED))
+        self.assertEqual(other.read_text(), DONE)
+        empty = self.folder / "empty"
+        empty.mkdir()
+        run = self.each(empty)
+        self.assertEqual((run.status, run.errors), (READY, "Nothing to convert.\n"))
+        self.assertEqual(self.each(ready, "--to", self.folder / "absent").status, REFUSED)
+
+    def test_an_interruption_names_what_was_not_begun(self):
+        sources = [self.write("1.mkv", DONE), self.write("2.mkv", "progress 20\nhold")]
+        sources += [self.write("3.mkv", DONE), self.write("4.mkv", DONE)]
+        for variant in ("whole", "no-stop"):
+            engine = "--engine-folder", FAKES / variant
+            run = self.stop('"percent":20}', *engine, "--overwrite", "--each", "--json", *sources)
+            for told in ('2.mkv" stopped', 'not begun: "', "1 ready, 1 stopped, 2 not begun."):
+                self.assertIn(told, run.errors)
+            summary = json.loads(run.output.splitlines()[-1])
+            self.assertEqual([Path(each).name for each in summary["notBegun"]], ["3.mkv", "4.mkv"])
+            self.assertEqual([(self.folder / f"{i}.mp4").exists() for i in (1, 2, 3)], [1, 0, 0])
+
+
 class Refusals(Launched):
     def refused(self, told, *arguments, **options):
         run = self.run_program(*arguments, **options)
@@ -179,6 +310,9 @@ class Refusals(Launched):
             ("is no folder", "--archive-logs", "absent"),
             ("is no folder", "--archive-logs", "a.mkv"),
             ("give no recording with it", "--archive-logs", ".", "a.mkv", "b.mp4"),
+            ("with --each", no, empty),
+            ("with --each", no, source, source, last),
+            ("no exit status and no error", "--explain", "77"),
         ]
         if not WINE:
             cases += [  # not even root can write there

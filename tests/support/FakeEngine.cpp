@@ -6,6 +6,7 @@
 //   progress P    OnProgress(P) from the engine's thread; "nan" and "inf" are taken too
 //   error N       OnError(N)
 //   write TEXT    writes the destination
+//   settings      writes what ZelConversionSetting was told to the destination
 //   lose TEXT     the sentence for ZelConversionLosses; without the caller's word an error, and
 //                 nothing more runs
 //   crash         ends the process from the engine's thread
@@ -61,6 +62,7 @@ struct State {
     std::condition_variable changed;
     std::string losses;
     std::string ending = "-1"; // code, blank, reason
+    std::string settings;
     bool acceptsLosses = false;
     bool stopping = false;
     int running = 0;
@@ -133,6 +135,8 @@ bool run(Sink* sink, const Command& command, const std::string& destination) {
         return isAccepted;
     } else if (name == "write") {
         std::ofstream(utf8Path(destination)) << argument;
+    } else if (name == "settings") {
+        std::ofstream(utf8Path(destination)) << state().settings;
     } else if (name == "crash") {
         std::abort();
     } else if (name == "hold") {
@@ -152,6 +156,9 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
         return result;
     }
     const std::lock_guard lock(state().mutex);
+    state().losses.clear();
+    state().ending = "-1";
+    state().stopping = false;
     ++state().running;
     state().threads.emplace_back([sink = instance->sink, commands, destination] {
         sink->table->destructorEntry(sink, 0);
@@ -218,6 +225,11 @@ std::int32_t ZelConversionLosses(std::int32_t accepts, char* text, std::uint32_t
     const std::lock_guard lock(state().mutex);
     state().acceptsLosses = accepts != 0;
     return handOver(wordsOf("FAKE_LOSSES", state().losses), text, capacity);
+}
+
+std::int32_t ZelConversionSetting(const char* name, const char* value) {
+    state().settings.append(name).append("=").append(value).append(" ");
+    return 0;
 }
 
 std::int32_t ZelConversionEnding(char* text, std::uint32_t capacity) {
