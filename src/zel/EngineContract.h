@@ -37,10 +37,11 @@ using ConversionLossesFunction = std::int32_t (*)(std::int32_t accepts, char* te
 /// says why it failed to `text`, always with a NUL. UTF-8, no full stop.
 using ConversionEndingFunction = std::int32_t (*)(char* text, std::uint32_t capacity);
 
-/// "ZelConversionSetting" of mediaconverter, optional, offered by our own engine alone: a choice for
-/// the conversions that start from now on, both texts NUL-terminated. "fast-start", "on" or "off"
-/// (at first off): the index lies in front of the packets. "quality", "small", "normal" (at first)
-/// or "high": of pictures that are transcoded. A failure when it has no such setting or value.
+/// "ZelConversionSetting" of mediaconverter, optional, offered by our own engine alone: a choice
+/// for the conversions that start from now on, both texts NUL-terminated. "fast-start", "on" or
+/// "off" (at first off): the index lies in front of the packets. "quality", "small", "normal" (at
+/// first) or "high": of pictures that are transcoded. A failure when it has no such setting or
+/// value.
 using ConversionSettingFunction = std::int32_t (*)(const char* name, const char* value);
 
 inline constexpr std::int32_t kZelSuccess = 0;
