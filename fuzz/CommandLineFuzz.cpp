@@ -1,5 +1,5 @@
 #include "fuzz/Input.h"
-#include "launcher/Options.h"
+#include "launcher/usage/Options.h"
 #include "launcher/window/SourceListEncoder.h"
 #include "recordconverter/SourceList.h"
 

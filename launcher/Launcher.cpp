@@ -2,7 +2,6 @@
 
 #include "client/LogLocations.h"
 #include "launcher/ArchiveLogs.h"
-#include "launcher/Options.h"
 #include "launcher/Paths.h"
 #include "launcher/Preflight.h"
 #include "launcher/RecordingNames.h"
@@ -14,6 +13,7 @@
 #include "launcher/terminal/TerminalConversion.h"
 #include "launcher/usage/Help.h"
 #include "launcher/usage/Meanings.h"
+#include "launcher/usage/Options.h"
 #include "launcher/window/WindowConversion.h"
 #include "log/LogCall.h"
 #include "logging/RootLogger.h"

@@ -24,7 +24,7 @@ constexpr std::array kStatuses = std::to_array<Meaning>({
 });
 
 constexpr std::array kErrors = std::to_array<Meaning>({
-#include "ErrorMeanings.inc"
+#include "launcher/usage/ErrorMeanings.inc"
 });
 
 } // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "launcher/ExitStatus.h"
-#include "launcher/Options.h"
 #include "launcher/Preflight.h"
+#include "launcher/usage/Options.h"
 
 #include <string>
 

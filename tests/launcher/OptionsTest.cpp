@@ -1,6 +1,6 @@
-#include "launcher/Options.h"
 #include "launcher/RecordingNames.h"
 #include "launcher/terminal/JsonLine.h"
+#include "launcher/usage/Options.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

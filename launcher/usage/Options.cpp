@@ -1,4 +1,4 @@
-#include "launcher/Options.h"
+#include "launcher/usage/Options.h"
 
 #include "launcher/Texts.h"
 #include "launcher/usage/OptionTable.h"
