@@ -99,10 +99,12 @@ def damaged(chance, folder):
     if [each for each in folder.iterdir() if each not in (source, destination)]:
         return f"{whole.name}: leaves {sorted(folder.iterdir())}"
     if status == 0:
-        there, here = oracle.look(source), oracle.look(destination)
+        # What damage has doubled, ffmpeg decodes twice.
+        here, *there = map(oracle.look, (destination, source, whole))
         for kind, slack in (("video", 0), ("audio", 0.1)):
-            if amount(here, kind) < amount(there, kind) - slack:
-                return f"{whole.name}: {kind} {amount(here, kind)} of {amount(there, kind)}"
+            wanted = min(amount(each, kind) for each in there)
+            if amount(here, kind) < wanted - slack:
+                return f"{whole.name}: {kind} {amount(here, kind)} of {wanted}"
     return ""
 
 
