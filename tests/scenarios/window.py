@@ -72,6 +72,9 @@ class Window(Case):
         )
         self.assertTrue(self.log().endswith(":191 close::Close convert recording\n"))
         self.assertNotRegex(self.log(), "<Warn>|<Error>")
+        # Every second line is flushed for itself: with one more the last one is another one.
+        self.show("progress 1\n" + script, "await=viewFinish escape")
+        self.assertTrue(self.log().endswith(":191 close::Close convert recording\n"))
 
     def test_a_failure_is_shown_and_keeps_the_source(self):
         started = f":123 failConversion::recording convert error:{self.destination}, error code:7\n"
