@@ -13,7 +13,7 @@ TICK = 0.0021  # two milliseconds, and what the containers' clocks round
 SEAM = 0.1  # where times start again, nothing says how long the picture before lasts
 EDGE = 0.02  # codecs blur where a sound begins and ends
 KEY_DISTANCE = 5.1
-BRIGHTNESS = 8  # of 255, by which a patch of colour may be off
+BRIGHTNESS = 10  # of 255, by which a patch of colour may be off
 
 
 @dataclass
