@@ -61,7 +61,7 @@ recording, in the given order.
     }
     appendEntry(text, "  --", kOptionColumn, "end of the options");
     text +=
-        "\nCtrl-C stops a conversion, removes what was written so far and keeps the sources.\n"
+        "\nCtrl-C stops a conversion, removes what was written and keeps the sources.\n"
         "\nexit status, of several files the worst; standard error says why:\n";
     for (const Meaning& status : statusMeanings()) {
         appendEntry(text, "  " + std::to_string(status.number), kStatusColumn, status.text);

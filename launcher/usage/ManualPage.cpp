@@ -40,12 +40,12 @@ std::string list(std::span<const Meaning> meanings) {
 
 std::string manualPage() {
     std::string page =
-        ".TH RECORD\\-CONVERTER 1 2026\\-11\\-22 \"record\\-converter " RECORD_CONVERTER_VERSION
+        ".TH RECORD\\-CONVERTER 1 2026-11-22 \"record\\-converter " RECORD_CONVERTER_VERSION
         "\"\n"
         ".SH NAME\nrecord\\-converter \\- turn a recording into an ordinary .mp4 "
         "file\n.SH SYNOPSIS\n.nf\n";
     for (const std::string_view usage : allUsages()) {
-        page += ".B record\\-converter\n" + literal(usage) + "\n";
+        page += "\\fBrecord\\-converter\\fP " + literal(usage) + "\n";
     }
     page += R"(.fi
 .SH DESCRIPTION
@@ -68,7 +68,7 @@ With
 names that would be the same in one folder get a number: "name (2).mp4".
 A failure does not stop the rest.
 .PP
-Ctrl\-C stops a conversion, removes what was written so far and keeps the sources.
+Ctrl\-C stops a conversion, removes what was written and keeps the sources.
 .SH OPTIONS
 )";
     for (const OptionEntry& option : allOptions()) {
