@@ -18,7 +18,7 @@ packages_build=(
 packages_test=(
     libgtest-dev libgmock-dev googletest
     dpkg-dev file unzip p7zip-full python3 procps
-    lintian desktop-file-utils appstream mandoc python3-dbusmock dbus-daemon
+    lintian desktop-file-utils appstream mandoc zsh python3-dbusmock dbus-daemon
     clang clang-format clang-tidy libclang-rt-14-dev cppcheck shellcheck black flake8
 )
 packages_windows=(
