@@ -14,11 +14,9 @@ install(FILES ${pages} DESTINATION ${documents}/docs)
 function(record_converter_install_compressed source folder name)
     set(compressed ${PROJECT_BINARY_DIR}/share/compressed/${name}.gz)
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/share/compressed)
-    install(CODE "if(EXISTS [[${source}]])
-        execute_process(COMMAND gzip -9nc [[${source}]] OUTPUT_FILE [[${compressed}]]
-            COMMAND_ERROR_IS_FATAL ANY)
-    endif()")
-    install(FILES ${compressed} DESTINATION ${folder} OPTIONAL)
+    install(CODE "execute_process(COMMAND gzip -9nc [[${source}]] OUTPUT_FILE [[${compressed}]]
+        COMMAND_ERROR_IS_FATAL ANY)")
+    install(FILES ${compressed} DESTINATION ${folder})
 endfunction()
 
 record_converter_install_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${documents} changelog)
@@ -29,9 +27,9 @@ set(made ${PROJECT_BINARY_DIR}/share)
 record_converter_install_compressed(${made}/man/man1/record-converter.1 ${data}/man/man1
     record-converter.1)
 install(FILES ${made}/bash-completion/completions/record-converter
-    DESTINATION ${data}/bash-completion/completions OPTIONAL)
+    DESTINATION ${data}/bash-completion/completions)
 install(FILES ${made}/zsh/vendor-completions/_record-converter
-    DESTINATION ${data}/zsh/vendor-completions OPTIONAL)
+    DESTINATION ${data}/zsh/vendor-completions)
 
 # The Qt that the runtime folder links to: relative where it lies below the same prefix, as links in
 # a package are to be.

@@ -32,7 +32,7 @@ constexpr std::array kOptions = std::to_array<OptionEntry>({
      "put the index in front, for players that begin while the file is still on its way"},
     {OptionId::Json, "--json", "",
      "tell a program what happens, on standard output, one JSON object a line; in the terminal"},
-    {OptionId::Theme, "--theme", "light|dark", "of the window; default: light"},
+    {OptionId::Theme, "--theme", "light|dark", "of the window; default: as the desktop"},
     {OptionId::EngineFolder, "--engine-folder", "FOLDER",
      "the runtime folder, which holds the media engine and the window's library; default: "
      "\"runtime\" beside the program's own folder"},

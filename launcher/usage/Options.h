@@ -6,7 +6,7 @@
 
 namespace launcher {
 
-enum class Theme { Light, Dark };
+enum class Theme { Desktop, Light, Dark };
 
 /// What the command line asks for. Paths are UTF-8, as they were given.
 struct Options {
@@ -18,7 +18,7 @@ struct Options {
     bool fastStart = false;
     bool json = false;
     std::string engineFolder; ///< empty: the runtime folder beside the program
-    Theme theme = Theme::Light;
+    Theme theme = Theme::Desktop;
     bool window = true;
     bool overwrite = false;
     bool deleteSources = false;

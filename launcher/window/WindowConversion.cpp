@@ -3,10 +3,10 @@
 #include "launcher/Say.h"
 #include "launcher/Texts.h"
 #include "launcher/window/SourceListEncoder.h"
-#include "launcher/window/Translations.h"
 #include "launcher/window/WindowEnding.h"
 #include "launcher/window/WindowSystem.h"
 #include "loader/LibraryLoader.h"
+#include "platform/DesktopTheme.h"
 #include "platform/Library.h"
 #include "platform/Text.h"
 #include "utils/FileUtils.h"
@@ -44,6 +44,10 @@ ExitStatus conclude(WindowEnding::Reason reason) {
 
 void concludeAtExit() {
     conclude(WindowEnding::Reason::Left);
+}
+
+bool isDark(Theme theme) {
+    return theme == Theme::Desktop ? tarn::platform::isDesktopDark() : theme == Theme::Dark;
 }
 
 int callEntryPoint(const std::array<std::string, 6>& arguments) {
@@ -91,13 +95,12 @@ ExitStatus convertInWindow(const Job& job, Theme theme, const std::string& progr
             "The recordings can be linked neither beside themselves nor in the folder for "
             "temporary files: convert with --no-window.");
     }
-    placeTranslations(job.engineFolder);
     const auto list = encodeSourceList(sources);
     // Registered last, so called while the engine is still whole.
     std::atexit(concludeAtExit);
     windowEnding.load()->watch();
     const int result = callEntryPoint(
-        {program, job.engineFolder, "", list, job.destination, theme == Theme::Dark ? "2" : "1"});
+        {program, job.engineFolder, "", list, job.destination, isDark(theme) ? "2" : "1"});
     return conclude(result == 0 ? WindowEnding::Reason::Left : WindowEnding::Reason::NotShown);
 }
 

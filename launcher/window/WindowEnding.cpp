@@ -25,6 +25,7 @@ WindowEnding::WindowEnding(const Job& job)
 }
 
 void WindowEnding::watch() {
+    mTranslations.emplace(mJob.engineFolder);
     std::thread([this] {
         while (!tarn::platform::interrupted()) {
             look();
@@ -85,6 +86,7 @@ ExitStatus WindowEnding::conclude(Reason reason) {
         settleUnended(reason);
     }
     mStaging.clear();
+    mTranslations.reset();
     return *mStatus;
 }
 

@@ -6,6 +6,7 @@
 #include "launcher/Outcome.h"
 #include "launcher/Preflight.h"
 #include "launcher/window/SourceStaging.h"
+#include "launcher/window/Translations.h"
 
 #include <mutex>
 #include <optional>
@@ -24,13 +25,13 @@ public:
     /// Empty when they could not be made.
     const std::vector<std::string>& secondNames() const { return mStaging.paths(); }
 
-    /// Starts a thread that says the ending when it comes, and ends the process when the user
-    /// interrupts it.
+    /// Lends the translations, and starts a thread that says the ending when it comes, and ends the
+    /// process when the user interrupts it.
     void watch();
 
     enum class Reason { Left, Interrupted, NotShown };
-    /// The window is over, or must be. Stops what still runs, removes the second names and returns
-    /// the process's status, the same for all callers.
+    /// The window is over, or must be. Stops what still runs, removes the second names and
+    /// the translations, and returns the process's status, the same for all callers.
     ExitStatus conclude(Reason reason);
 
 private:
@@ -46,6 +47,7 @@ private:
     const EngineExports mEngine;
     std::mutex mMutex; ///< guards what follows
     SourceStaging mStaging;
+    std::optional<Translations> mTranslations;
     std::optional<ExitStatus> mStatus;
 };
 

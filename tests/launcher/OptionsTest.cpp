@@ -16,7 +16,7 @@ TEST(Options, HaveSafeDefaultsAndStandAnywhereBeforeTheirEnd) {
     EXPECT_THAT(options.sources, ElementsAre("a.mkv", "-"));
     EXPECT_EQ(options.destination, "out.mp4");
     EXPECT_EQ(options.engineFolder + options.quality, "");
-    EXPECT_TRUE(options.theme == Theme::Light && options.window && !options.overwrite &&
+    EXPECT_TRUE(options.theme == Theme::Desktop && options.window && !options.overwrite &&
                 !options.deleteSources && !options.fastStart);
     options = std::get<Options>(parseCommandLine(
         {"--no-window", "a", "--theme", "dark", "--engine-folder=x=y", "--quality", "high",

@@ -418,6 +418,44 @@ class WindowMode(Launched):
         self.assertRegex(run.output, f"(?s){re.escape(begin)}.*a b.mkv\n{re.escape(rest)}")
         self.assertEqual(source.read_text(), "x")
 
+    def desktop(self):
+        """What gives this user's desktop an answer, the code of a fake portal's method or a value
+        of the registry."""
+        if WINE:
+            key = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize"
+            add = [*WINE, "reg", "add", key, "/f", "/v", "AppsUseLightTheme", "/t", "REG_DWORD"]
+            return lambda code: subprocess.check_call([*add, "/d", code])
+        bus = self.start("--session", "--print-address", program="dbus-daemon")
+        bus.await_text("\n")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.output.strip()
+        place = "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"
+        portal = ("-m", "dbusmock", *place, "org.freedesktop.portal.Settings")
+        self.start(*portal, program="/usr/bin/python3")
+        add = (
+            "--print-reply",
+            f"--dest={place[0]}",
+            place[1],
+            "org.freedesktop.DBus.Mock.AddMethod",
+        )
+        add += ("string:", "string:Read", "string:ss", "string:v")
+
+        def is_told(code):
+            return self.run_program(*add, "string:" + code, program="dbus-send").status == 0
+
+        return lambda code: bus.await_that(lambda: is_told(code), "had a portal")
+
+    def test_without_a_theme_the_desktop_s_is_taken(self):
+        answer = self.desktop()
+        scheme = "ret = dbus.UInt32(%d if args[1] == 'color-scheme' else 9, variant_level=2)"
+        cases = [("0", "2"), ("1", "1")]
+        if not WINE:
+            cases = [(scheme % 1, "2"), (scheme % 2, "1"), ("ret = 'dark'", "1")]
+        for code, theme in cases:
+            answer(code)
+            for flags, handed in ((), theme), (("--theme=light",), "1"), (("--theme=dark",), "2"):
+                run = self.window("exit", *flags, self.write("a.mkv"), self.destination)
+                self.assertIn(f"5:{handed}\n", run.output, code)
+
     @linux_only
     def test_a_second_name_lies_where_other_users_cannot_replace_it(self):
         for mode in (0o755, 0o777):

@@ -129,16 +129,18 @@ class Window(Case):
         self.assertNotIn(str(other), output)
         self.assertIn("::QTDIR:, qtPluginPath:, qtPlatformPluginPath:, currentPath:", self.log())
 
-    def test_the_launcher_brings_the_texts_and_the_window_speaks_the_system_s_language(self):
-        source = self.write("source", "write part\nhold\n")
-        run = self.start("--engine-folder", self.runtime, source, self.destination)
-        run.await_that(self.destination.exists, "started the engine")
-        texts = self.data / "QuorellTarnLauncher/dynamic_dependencies/translations"
-        run.signal(signal.SIGINT)
-        self.assertEqual(run.wait(), 130)
-        self.assertEqual(
-            len(list(texts.iterdir())), len(list((RUNTIME / "translations").iterdir()))
+    def launch(self, script, actions, *flags, engine=None):
+        """The launcher's own run, with a library in its window as the user."""
+        self.environment.update(
+            LD_PRELOAD=str(BUILD / "tests/libtoast_user.so"),
+            ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0",
+            TOAST_USER=actions,
         )
+        files = ("--overwrite", self.write("source.mkv", script), self.destination)
+        return self.start("--engine-folder", engine or self.runtime, *flags, *files)
+
+    def test_the_launcher_lends_the_texts_and_the_window_speaks_the_system_s_language(self):
+        lent = self.data / "QuorellTarnLauncher/dynamic_dependencies/translations"
         for language, text in (
             ("de_AT", "Ihre Aufzeichnung ist fertig."),
             ("pt_BR", "Sua gravação está pronta."),
@@ -147,16 +149,25 @@ class Window(Case):
             ("eo", READY),
         ):
             self.environment["LANG"] = language + ".UTF-8"
-            output = self.show("progress 100\n", "await=viewFinish print close")
-            self.assertIn("viewFinish 1 " + text, output, language)
+            run = self.launch("write film\nprogress 100\n", "await=viewFinish print escape")
+            self.assertEqual(run.wait(), 0, run)
+            self.assertIn("viewFinish 1 " + text, run.output, language)
+            self.assertFalse(lent.parents[1].exists())
+        # What the client has fetched for itself is its own.
+        lent.mkdir(parents=True)
+        (lent / "tarn-windows-client.de.qm").write_text("client's")
+        run = self.launch("write part\nhold\n", "")
+        run.await_that(lambda: self.destination.read_text() == "part", "started the engine")
+        self.assertEqual({*os.listdir(lent)}, {*os.listdir(RUNTIME / "translations")})
+        run.signal(signal.SIGINT)
+        self.assertEqual(run.wait(), 130)
+        self.assertEqual([each.read_text() for each in lent.iterdir()], ["client's"])
+
+    def sentences(self, run):
+        return [line for line in run.errors.splitlines() if line[-1:] != "%" and line[:3] != "QSt"]
 
     def test_the_launcher_ends_with_the_conversion_s_status(self):
-        self.environment.update(
-            LD_PRELOAD=str(BUILD / "tests/libtoast_user.so"),
-            ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0",
-            QT_STYLE_OVERRIDE="no such style",
-            QT_QUICK_BACKEND="no such backend",
-        )
+        self.environment.update(QT_STYLE_OVERRIDE="no such style", QT_QUICK_BACKEND="no such one")
         finished, failed = "await=viewFinish escape", "await=viewError escape"
         for script, actions, status, said, engine in (
             ("write film\nprogress 100\n", finished, 0, "is ready", self.runtime),
@@ -167,12 +178,14 @@ class Window(Case):
             ("hold\n", "await=viewStart quit", 130, "Stopped: nothing was", self.runtime),
         ):
             with self.subTest(script=script, actions=actions):
-                source = self.write("source.mkv", script)
-                arguments = ("--overwrite", "--delete-sources", source, self.destination)
-                run = self.start("--engine-folder", engine, *arguments, TOAST_USER=actions)
+                run = self.launch(script, actions, "--delete-sources", engine=engine)
                 self.assertEqual(run.wait(), status, run)
                 self.assertIn(said, run.errors)
-                self.assertEqual(source.exists(), status != 0)
+                self.assertEqual((self.folder / "source.mkv").exists(), status != 0)
+                if status != 130:
+                    terminal = self.launch(script, "", "--no-window", engine=engine)
+                    self.assertEqual(terminal.wait(), status, terminal)
+                    self.assertEqual(self.sentences(run), self.sentences(terminal))
                 self.assertEqual(list(self.folder.glob(".*")), [])
 
     def test_closed_at_any_moment_it_ends_with_status_0(self):
