@@ -23,7 +23,7 @@ packages_test=(
 )
 packages_windows=(
     g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64
-    dpkg-dev make meson nasm osslsigncode openssl xz-utils
+    dpkg-dev lld make meson nasm osslsigncode openssl xz-utils
 )
 packages_bench=(libspdlog-dev libboost-dev zip time)
 

@@ -85,6 +85,26 @@ class Endings(Launched):
                         self.assertEqual(self.destination.read_text(), "done")
                         self.assertEqual(self.logged("FreeLibrary successfully"), 2)
 
+    @unittest.skipIf(not WINE, "two systems' compilers, one system")
+    def test_an_engine_that_another_compiler_made_for_another_abi_is_bound(self):
+        one, two, empty = self.write("1", "one "), self.write("2", "two"), self.write("0")
+        for sources, starts, status, said, film in (
+            ([one], "single\n", READY, "100 %\n", "one "),
+            ([one, two], "", READY, "100 %\n", "one two"),
+            ([one, empty], "", FAILED, "20 %\nThe conversion failed", None),
+        ):
+            with self.subTest(film=film):
+                run = self.on_fake("foreign", "--overwrite", *sources, self.destination)
+                self.assertEqual(run.status, status, run)
+                # The launcher itself keeps mediaconverter to its end.
+                self.assertEqual(run.output, starts + "zelclient unloaded\n")
+                self.assertIn(said, run.errors)
+                if film:
+                    self.assertEqual(self.destination.read_text(), film)
+                levels = ("Error", "Warn", "Info", "Debug")
+                traced = [f"<{level}> [^\n]*ZEL:0 ::at {n}\n" for n, level in enumerate(levels)]
+                self.assertRegex(self.log(), "(?s)" + ".*".join(traced))
+
     def test_each_signal_to_stop_leaves_the_sources_and_an_older_destination(self):
         # A stopped engine may still report. What one without a stop has written under the
         # destination's name may be another run's by now: it is named, and stays.

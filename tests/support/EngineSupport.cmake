@@ -7,7 +7,7 @@ function(record_converter_fake_library folder name source)
     string(MAKE_C_IDENTIFIER "fake_${folder}_${name}" target)
     add_library(${target} MODULE ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/${source})
     target_compile_definitions(${target} PRIVATE ${ARGN})
-    target_link_libraries(${target} PRIVATE Threads::Threads)
+    target_link_libraries(${target} PRIVATE Threads::Threads rc_zel)
     record_converter_warnings(${target})
     record_converter_link_runtime(${target})
     # Exports what its extern "C" block holds on either system, without attributes.

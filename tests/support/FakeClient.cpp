@@ -1,26 +1,12 @@
-// The engine's client library for tests. Like FakeEngine.cpp it knows the trace sink as a table.
+// The engine's client library for tests.
 
-#include <cstdint>
-
-namespace {
-
-struct Sink;
-struct SinkTable {
-    std::int32_t (*onTrace)(Sink*, std::uint32_t, const char*);
-    void* (*destructorEntry)(Sink*, unsigned int);
-};
-struct Sink {
-    const SinkTable* table;
-};
-
-} // namespace
+#include "zel/EngineContract.h"
 
 extern "C" {
 
-void ZelSetTraceSink(Sink* sink) {
+void ZelSetTraceSink(zel::IZelTraceSink* sink) {
     if (sink != nullptr) {
-        sink->table->destructorEntry(sink, 0);
-        sink->table->onTrace(sink, 2, "The sink's table is as it should be");
+        sink->OnTrace(2, "A line for the log");
     }
 }
 

@@ -1,6 +1,5 @@
-// An engine for tests, loaded from disk as the real one is. It knows the program's interfaces only
-// as tables of functions, the way another compiler lays them out, so that a slot out of place fails
-// whichever compiler built it. The first source file is its script, one command in a line:
+// An engine for tests, loaded from disk as the real one is. The first source file is its script,
+// one command in a line:
 //
 //   result N      what the start call returns (hexadecimal with 0x); a failure runs nothing
 //   progress P    OnProgress(P) from the engine's thread; "nan" and "inf" are taken too
@@ -12,8 +11,10 @@
 //   crash         ends the process from the engine's thread
 //   hold          waits until a stop is asked for, and goes on even then
 //
-// The sink's destructor entry is called before. Where nothing runs, FAKE_ENDING holds what
-// ZelConversionEnding tells ("20005 reason") and FAKE_LOSSES the other sentence.
+// Where nothing runs, FAKE_ENDING holds what ZelConversionEnding tells ("20005 reason") and
+// FAKE_LOSSES the other sentence.
+
+#include "zel/EngineContract.h"
 
 #include <algorithm>
 #include <chrono>
@@ -35,26 +36,27 @@
 
 namespace {
 
-struct Sink;
-struct SinkTable {
-    void* (*destructorEntry)(Sink*, unsigned int);
-    void (*onProgress)(Sink*, float);
-    void (*onError)(Sink*, std::int32_t);
-};
-struct Sink {
-    const SinkTable* table;
-};
+using Sink = zel::IZelMediaConverterSink;
 
-struct Instance;
-struct InstanceTable {
-    void* neverCalled[6];
-    std::int32_t (*startSingle)(Instance*, const char*, const char*, std::uint32_t, std::uint32_t);
-    std::int32_t (*startMultiple)(Instance*, const char* const*, std::uint64_t, const char*,
-                                  std::uint32_t, std::uint32_t);
-};
-struct Instance {
-    const InstanceTable* table;
-    Sink* sink;
+class Instance : public zel::IZelMediaConverter {
+public:
+    explicit Instance(Sink* sink) : mSink(sink) {}
+    void reservedEntry0() override {}
+    void reservedEntry1() override {}
+    void reservedEntry2() override {}
+    void reservedEntry3() override {}
+    void reservedEntry4() override {}
+    void reservedEntry5() override {}
+    std::int32_t StartSingle(const char* source, const char* destination, std::uint32_t param1,
+                             std::uint32_t param2) override {
+        return StartMultiple(&source, 1, destination, param1, param2);
+    }
+    std::int32_t StartMultiple(const char* const* sources, std::uint64_t count,
+                               const char* destination, std::uint32_t param1,
+                               std::uint32_t param2) override;
+
+private:
+    Sink* mSink;
 };
 
 struct State {
@@ -120,17 +122,17 @@ bool run(Sink* sink, const Command& command, const std::string& destination) {
         if (percent >= 100.0F) {
             keepEnding("0");
         }
-        sink->table->onProgress(sink, percent);
+        sink->OnProgress(percent);
     } else if (name == "error") {
         keepEnding(argument + " as the script says");
-        sink->table->onError(sink, std::atoi(argument.c_str()));
+        sink->OnError(std::atoi(argument.c_str()));
     } else if (name == "lose") {
         std::unique_lock lock(state().mutex);
         state().losses = argument;
         const bool isAccepted = state().acceptsLosses;
         lock.unlock();
         if (!isAccepted) {
-            sink->table->onError(sink, 20012);
+            sink->OnError(20012);
         }
         return isAccepted;
     } else if (name == "write") {
@@ -146,7 +148,7 @@ bool run(Sink* sink, const Command& command, const std::string& destination) {
     return true;
 }
 
-std::int32_t start(Instance* instance, const std::string& source, const std::string& destination) {
+std::int32_t start(Sink* sink, const std::string& source, const std::string& destination) {
     const std::vector<Command> commands = readScript(source);
     std::int32_t result = 0;
     if (!commands.empty() && commands.front().first == "result") {
@@ -160,8 +162,7 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
     state().ending = "-1";
     state().stopping = false;
     ++state().running;
-    state().threads.emplace_back([sink = instance->sink, commands, destination] {
-        sink->table->destructorEntry(sink, 0);
+    state().threads.emplace_back([sink, commands, destination] {
         for (const Command& command : commands) {
             if (!run(sink, command, destination)) {
                 break;
@@ -174,20 +175,14 @@ std::int32_t start(Instance* instance, const std::string& source, const std::str
     return result;
 }
 
-std::int32_t startMultiple(Instance* instance, const char* const* sources, std::uint64_t count,
-                           const char* destination, std::uint32_t param1, std::uint32_t param2) {
+std::int32_t Instance::StartMultiple(const char* const* sources, std::uint64_t count,
+                                     const char* destination, std::uint32_t param1,
+                                     std::uint32_t param2) {
     const bool areThere = std::all_of(sources, sources + count, [](const char* source) {
         return std::filesystem::exists(utf8Path(source));
     });
-    return areThere && param1 == 3 && param2 == 4 ? start(instance, sources[0], destination) : -100;
+    return areThere && param1 == 3 && param2 == 4 ? start(mSink, sources[0], destination) : -100;
 }
-
-std::int32_t startSingle(Instance* instance, const char* source, const char* destination,
-                         std::uint32_t param1, std::uint32_t param2) {
-    return startMultiple(instance, &source, 1, destination, param1, param2);
-}
-
-[[maybe_unused]] constexpr InstanceTable kInstanceTable{{}, startSingle, startMultiple};
 
 /// The value of a variable, or else the scripted text.
 [[maybe_unused]] std::string wordsOf(const char* variable, const std::string& scripted) {
@@ -208,13 +203,13 @@ std::int32_t startSingle(Instance* instance, const char* source, const char* des
 extern "C" {
 
 #ifndef FAKE_NO_FACTORY
-std::int32_t CreateMediaConverter(Instance** instance, Sink* sink) {
+std::int32_t CreateMediaConverter(zel::IZelMediaConverter** instance, Sink* sink) {
 #ifdef FAKE_STORES_NOTHING
     static_cast<void>(instance);
     static_cast<void>(sink);
 #else
     const std::lock_guard lock(state().mutex);
-    *instance = &state().instances.emplace_back(Instance{&kInstanceTable, sink});
+    *instance = &state().instances.emplace_back(sink);
 #endif
     return FAKE_FACTORY_RESULT;
 }
