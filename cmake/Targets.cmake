@@ -44,9 +44,6 @@ endfunction()
 # A script of Python cases that start the built programs, those for Windows under Wine; each case is
 # a CTest test of its own.
 function(record_converter_scenarios script)
-    if(WIN32 AND NOT CMAKE_CROSSCOMPILING)
-        return()
-    endif()
     cmake_parse_arguments(ARG "" "TIMEOUT" "LABELS;ENVIRONMENT" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)
@@ -83,7 +80,7 @@ endfunction()
 # pkg_check_modules prefers a library's import file; a program that is to need no DLL of MinGW's
 # links the archive beside it.
 function(record_converter_link_archives target)
-    if(MINGW AND CMAKE_CROSSCOMPILING)
+    if(MINGW)
         get_target_property(libraries ${target} INTERFACE_LINK_LIBRARIES)
         list(TRANSFORM libraries REPLACE "\\.dll\\.a$" ".a")
         set_target_properties(${target} PROPERTIES INTERFACE_LINK_LIBRARIES "${libraries}")

@@ -1,6 +1,6 @@
-# On Windows the runtime folder holds all DLLs that what lies in it needs. A cross build without Qt
-# links everything else statically and has nothing to place.
-if(NOT WIN32 OR (CMAKE_CROSSCOMPILING AND NOT RECORD_CONVERTER_HAS_QT))
+# On Windows the runtime folder holds all DLLs that what lies in it needs. Without Qt everything else
+# is linked statically, and there is nothing to place.
+if(NOT WIN32 OR NOT RECORD_CONVERTER_HAS_QT)
     return()
 endif()
 
@@ -8,20 +8,12 @@ set(search ${RECORD_CONVERTER_QT_BIN})
 foreach(folder IN LISTS CMAKE_PREFIX_PATH CMAKE_FIND_ROOT_PATH)
     list(APPEND search ${folder}/bin)
 endforeach()
-if(MINGW)
-    set(list_command ${CMAKE_OBJDUMP} -p)
-    foreach(name IN ITEMS libstdc++-6.dll libwinpthread-1.dll)
-        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
-            OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE)
-        cmake_path(GET found PARENT_PATH folder)
-        list(APPEND search ${folder})
-    endforeach()
-    cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH folder)
+foreach(name IN ITEMS libstdc++-6.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+        OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE)
+    cmake_path(GET found PARENT_PATH folder)
     list(APPEND search ${folder})
-else()
-    find_program(DUMPBIN_PROGRAM dumpbin REQUIRED)
-    set(list_command ${DUMPBIN_PROGRAM} /nologo /dependents)
-endif()
+endforeach()
 list(REMOVE_ITEM search "")
 
 # record_converter_place_libraries(TARGET FOLDER NEEDING...): makes a target that does so for a folder,
@@ -37,7 +29,7 @@ function(record_converter_place_libraries target folder)
     endforeach()
     add_custom_target(${target} ALL
         COMMAND ${CMAKE_COMMAND} -DFOLDER=${folder} "-DPROGRAMS=${programs}" "-DSEARCH=${search}"
-            "-DLIST=${list_command}" -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
+            -DOBJDUMP=${CMAKE_OBJDUMP} -P ${PROJECT_SOURCE_DIR}/cmake/PlaceLibraries.cmake
         COMMENT "Placing the DLLs that ${folder} needs" VERBATIM)
     add_dependencies(${target} ${ARGN})
 endfunction()
