@@ -17,55 +17,9 @@
 # become H.264 by Media Foundation, or MPEG-4 where Windows has no Media Foundation encoder.
 set -euo pipefail
 
-readonly target=x86_64-w64-mingw32
+# shellcheck source-path=SCRIPTDIR source=windows-common.sh
+. "$(dirname "$(readlink -f "$0")")/windows-common.sh"
 readonly with_x264=${RECORD_CONVERTER_X264:-1}
-script=$(readlink -f "${BASH_SOURCE[0]}")
-cache=${XDG_CACHE_HOME:-$HOME/.cache}/record-converter
-
-say() { printf '%s\n' "windows-dependencies: $*" >&2; }
-fail() { say "$*"; exit 1; }
-
-# The versions are those of this system's packages; the sources taken are of the same release.
-installed_version() { dpkg-query -W -f '${Version}' "$1" 2>/dev/null || echo none; }
-
-prefix_folder() {
-    local key
-    key=$({ cat "$script"; echo "$with_x264"; "$target-gcc-posix" -dumpfullversion
-            installed_version libz-mingw-w64-dev
-            installed_version libavcodec-dev; } | sha256sum | cut -c 1-12)
-    echo "$cache/windows-$key"
-}
-
-# apt with the machine's own package sources, asked for sources instead of binaries, and with state
-# of its own: the machine's lists and configuration stay as they are.
-private_apt() {
-    local state=$work/apt
-    if [ ! -d "$state" ]; then
-        mkdir -p "$state/parts" "$state/lists/partial" "$state/cache/archives/partial"
-        local file
-        for file in /etc/apt/sources.list.d/*.sources; do
-            [ -e "$file" ] && sed 's/^Types:.*/Types: deb-src/' "$file" \
-                >"$state/parts/$(basename "$file")"
-        done
-        for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-            [ -e "$file" ] && sed -n 's/^deb\([[:space:]]\)/deb-src\1/p' "$file" \
-                >"$state/parts/$(basename "$file" .list).list"
-        done
-    fi
-    apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$state/parts" \
-        -o Dir::State::lists="$state/lists" -o Dir::Cache="$state/cache" \
-        -o APT::Update::Post-Invoke-Success::= -o APT::Sandbox::User= \
-        -o Acquire::Languages=none -o Acquire::Retries=3 "$@"
-}
-
-# fetch_source PACKAGE: unpacks it, Debian's patches applied, into $work/PACKAGE.
-fetch_source() {
-    mkdir -p "$work/fetch-$1"
-    (cd "$work/fetch-$1" && private_apt source --only-source "$1") >>"$log" 2>&1 ||
-        fail "cannot get the source of $1, see $log"
-    basename "$work/fetch-$1"/*.dsc .dsc >>"$work/VERSIONS"
-    mv "$work/fetch-$1"/*/ "$work/$1"
-}
 
 # FFmpeg keeps the configured folder as a text in the library, so that is /opt; the .pc files find
 # themselves.
@@ -73,8 +27,7 @@ fetch_source() {
 install_with() {
     DESTDIR=$work/stage "$@"
     sed -i "s|^prefix=.*|prefix=\${pcfiledir}/../..|; s|=/opt/|=\${prefix}/|; s|-L${prefix}[^ ]*||g" \
-        "$work"/stage/opt/lib/pkgconfig/*.pc
-    cp -r "$work/stage/opt/." "$prefix/"
+        "$prefix"/lib/pkgconfig/*.pc
 }
 
 build_minizip() (
@@ -133,16 +86,14 @@ build_ffmpeg() (
     decoders+=,vc1,wmv3,flashsv,flashsv2,rawvideo,aac,aac_latm,opus,vorbis,mp2,mp3,ac3,eac3,flac,alac
     decoders+=,wmav1,wmav2,nellymoser,speex,adpcm_swf,adpcm_ms,adpcm_ima_wav,gsm_ms
     decoders+=,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s32le,pcm_f32le,pcm_f64le,pcm_u8,pcm_s8
-    decoders+=,pcm_mulaw,pcm_alaw
+    decoders+=,pcm_mulaw,pcm_alaw,subrip,srt,webvtt,ass,ssa,movtext,text
     local parsers=h264,hevc,vp8,vp9,av1,aac,aac_latm,ac3,opus,vorbis,mpegaudio,mpeg4video
     parsers+=,mpegvideo,flac,h263,mjpeg,vc1
     local filters=aac_adtstoasc,av1_frame_merge,extract_extradata,h264_mp4toannexb,hevc_mp4toannexb
     filters+=,mpeg4_unpack_bframes,vp9_superframe,vp9_superframe_split,opus_metadata,null
-    local encoders=aac,mpeg4,pcm_s16le,rawvideo,h264_mf video=(--enable-mediafoundation)
-    if [ "$with_x264" != 0 ]; then
-        encoders=aac,mpeg4,pcm_s16le,rawvideo,libx264
-        video=(--enable-gpl --enable-libx264)
-    fi
+    local encoders=aac,mpeg4,pcm_s16le,rawvideo,movtext
+    local video=(--enable-gpl --enable-libx264 --enable-encoder=libx264)
+    [ "$with_x264" != 0 ] || video=(--enable-mediafoundation --enable-encoder=h264_mf)
     ./configure --prefix=/opt --enable-cross-compile --arch=x86_64 --target-os=mingw64 \
         --cross-prefix=$target- --cc="$launcher $target-gcc-posix" --cxx=$target-g++-posix \
         --pkg-config=pkg-config --pkg-config-flags=--static \
@@ -158,41 +109,17 @@ build_ffmpeg() (
 
 [ -n "${RECORD_CONVERTER_WINDOWS_PREFIX:-}" ] && { echo "$RECORD_CONVERTER_WINDOWS_PREFIX"; exit 0; }
 command -v $target-gcc-posix >/dev/null || fail "no $target-gcc-posix: install g++-mingw-w64-x86-64-posix"
-final=$(prefix_folder)
-if [ "${1:-}" = --print-prefix ] || [ -e "$final/VERSIONS" ]; then
-    echo "$final"
-    exit 0
-fi
+begin "$cache/windows-$(key "$with_x264" "$(installed_version libz-mingw-w64-dev)" \
+    "$(installed_version libavcodec-dev)")" "${1:-}"
 [ -e /usr/$target/lib/libz.a ] || fail "no zlib for MinGW: install libz-mingw-w64-dev"
 for tool in dpkg-source nasm make meson ninja pkg-config; do
     command -v $tool >/dev/null || fail "$tool is missing"
 done
-
-mkdir -p "$cache"
-exec 9>"$final.lock" # two builds at once would write the same folder
-flock 9
-[ -e "$final/VERSIONS" ] && { echo "$final"; exit 0; }
-
-work=$(mktemp -d "$cache/work.XXXXXX")
-trap 'rm -rf "$work"' EXIT
-log=$final.log
-prefix=$work/prefix
-jobs=$(nproc)
-launcher=$(command -v ccache || echo env)
 export PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig:/usr/$target/lib/pkgconfig
-mkdir -p "$prefix"
-
-say "building for Windows into $final (log: $log)"
-private_apt update >"$log" 2>&1 || fail "cannot read the package sources' index, see $log"
 packages=(minizip dav1d ffmpeg)
 [ "$with_x264" = 0 ] || packages=(minizip x264 dav1d ffmpeg)
 for package in "${packages[@]}"; do
-    fetch_source "$package"
-    # In the background, because a function called in a condition ignores errexit.
-    "build_$package" >>"$log" 2>&1 &
-    wait $! || { tail -n 20 "$log" >&2; fail "$package failed, see $log"; }
+    step "source of $package" fetch_package "$package" "$package"
+    step "$package" "build_$package"
 done
-mv "$work/VERSIONS" "$prefix/VERSIONS"
-rm -rf "$final"
-mv "$prefix" "$final" # whole or not at all
-echo "$final"
+finish

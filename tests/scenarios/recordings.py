@@ -91,9 +91,9 @@ TABLE = """
   seven_channels     sound-6.1.mka        channels=6,7
 * eight_channels     sound-7.1.mka
   languages          languages.mkv        copied=va
-  subtitles_mkv      subtitles.mkv        copied=va
+* subtitles_mkv      subtitles.mkv        copied=va
   subtitles_mp4      subtitles.mp4        copied=va
-  subtitles_webm     subtitles.webm
+* subtitles_webm     subtitles.webm
 * chapters           chapters.mkv         copied=va tags='title artist comment date'
   chapters_webm      chapters.webm
 * cover              cover.m4a            copied=a tags=title
