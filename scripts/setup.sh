@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, running or testing needs, and only those missing.
-# Usage: scripts/setup.sh SET...     sets: build test windows bench
+# Usage: scripts/setup.sh SET...     sets: build test windows qt bench
 set -euo pipefail
 
 packages_build=(
@@ -25,6 +25,7 @@ packages_windows=(
     g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64
     dpkg-dev lld make meson nasm osslsigncode openssl xz-utils
 )
+packages_qt=(qt6-shadertools-dev qt6-shader-baker)
 packages_bench=(libspdlog-dev libboost-dev zip time)
 
 wanted=()
@@ -33,9 +34,10 @@ for set in "$@"; do
         build) wanted+=("${packages_build[@]}") ;;
         test) wanted+=("${packages_test[@]}") ;;
         windows) wanted+=("${packages_windows[@]}") ;;
+        qt) wanted+=("${packages_qt[@]}") ;;
         bench) wanted+=("${packages_bench[@]}") ;;
         *)
-            echo "setup.sh: no set named '$set' (build, test, windows, bench)" >&2
+            echo "setup.sh: no set named '$set' (build, test, windows, qt, bench)" >&2
             exit 2
             ;;
     esac
