@@ -249,6 +249,9 @@ void DestinationFile::closeDurably() {
     if (const int error = mFile.syncToDisk(); error != 0) {
         fail(error, "writing it to the disk");
     }
+    if (const int error = mFile.state(mClosedState); error != 0) {
+        fail(error, "looking at it");
+    }
     if (const int error = OsFile::openInUse(mTemporary, mHold); error != 0) {
         fail(error, "opening it again");
     }

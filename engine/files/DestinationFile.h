@@ -28,6 +28,8 @@ public:
     AVIOContext* io() const { return mIo.get(); }
     const std::string& temporaryPath() const { return mTemporary; }
     std::uint64_t size() const { return mSize; }
+    /// Of a long file: what the system was asked to write to the disk so far.
+    std::uint64_t handedToDisk() const { return mPushedOut > kLong ? mPushedOut : 0; }
     /// All packets are written and flushed.
     void beginIndex() { mFrame.beginIndex(mSize); }
     const FrameDigest& frame() const { return mFrame; }
@@ -38,10 +40,14 @@ public:
     void throwIfFailed() const;
     /// Everything is on the disk and the file closed, each step checked. The name stays in use.
     void closeDurably();
+    /// As closeDurably left it.
+    const FileState& closedState() const { return mClosedState; }
     /// Renames into place, durably; over an older destination only if that was there at the start.
     void commit();
 
 private:
+    static constexpr std::uint64_t kLong = 64 * 1024 * 1024;
+
     static int onWrite(void* self, std::uint8_t* data, int size) noexcept;
     static std::int64_t onSeek(void* self, std::int64_t offset, int whence) noexcept;
     void refuseUnlessFree(const std::vector<std::string>& sources);
@@ -58,6 +64,7 @@ private:
     const StopFlag& mStop;
     bool mIsReplacing = false; ///< of what was there at the start
     FileState mIdentity;       ///< of the temporary
+    FileState mClosedState;
     OsFile mFile;
     OsFile mHold; ///< keeps the closed temporary in use until it has its name
     std::uint64_t mPosition = 0;

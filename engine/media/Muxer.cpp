@@ -108,6 +108,10 @@ void Muxer::writeHeader() {
     const int result = avformat_write_header(mFormat.get(), &options);
     av_dict_free(&options);
     throwIfFailed(result, "begin the MP4 file");
+    if (!mIsIndexInFront) { // else they move to other places
+        mReadBehind = std::make_unique<ReadBehind>(
+            mFile.temporaryPath(), static_cast<std::uint64_t>(avio_tell(mFormat->pb)));
+    }
     if (!mCover.empty()) {
         writeCover();
     }
@@ -173,8 +177,16 @@ void Muxer::writeHeld(std::size_t track, std::int64_t duration) {
         return;
     }
     packet.duration = duration;
-    mWritten[track].add(packet, mFormat->streams[track]->time_base);
+    const AVRational base = mFormat->streams[track]->time_base;
+    const StoredPacket stored = mWritten[track].add(packet, base);
+    if (mReadBehind != nullptr) {
+        mReadBehind->expect(track, stored.hash, static_cast<std::size_t>(stored.size),
+                            toTicks(packet.dts, base));
+    }
     throwIfFailed(av_interleaved_write_frame(mFormat.get(), &packet), "write a packet");
+    if (mReadBehind != nullptr) {
+        mReadBehind->advance(mFile.handedToDisk());
+    }
 }
 
 void Muxer::finishTrack(std::size_t track) {
@@ -205,6 +217,9 @@ void Muxer::finish() {
     }
     throwIfFailed(av_interleaved_write_frame(mFormat.get(), nullptr), "write the last packets");
     avio_flush(mFormat->pb);
+    if (mReadBehind != nullptr && mFile.handedToDisk() > 0) {
+        mReadBehind->advance(mFile.size());
+    }
     mFile.beginIndex();
     throwIfFailed(av_write_trailer(mFormat.get()), "complete the MP4 file");
     avio_flush(mFormat->pb);

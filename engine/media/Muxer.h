@@ -34,7 +34,8 @@ public:
 
     const std::vector<WrittenTrack>& written() const { return mWritten; }
     WrittenFile takeWritten() {
-        return {std::move(mWritten), std::move(mChapters), std::move(mCover)};
+        return {std::move(mWritten), std::move(mChapters), std::move(mCover),
+                std::move(mReadBehind)};
     }
     /// For a track whose packets an encoder made.
     void setTranscoded(std::size_t track) { mWritten[track].isTranscoded = true; }
@@ -60,6 +61,7 @@ private:
     std::vector<Lane> mLanes;
     std::vector<Chapter> mChapters;
     std::vector<std::uint8_t> mCover;
+    std::unique_ptr<ReadBehind> mReadBehind; ///< where packets stay in their places
 };
 
 } // namespace zelcore

@@ -16,9 +16,9 @@ WrittenTrack::WrittenTrack(const AVCodecParameters& parameters)
       mForm(parameters) {
 }
 
-void WrittenTrack::add(const AVPacket& packet, AVRational clock) {
+StoredPacket WrittenTrack::add(const AVPacket& packet, AVRational clock) {
     if (packet.size == 0) {
-        return; // the muxer leaves it out
+        return {}; // the muxer leaves it out
     }
     if (packets == 0) {
         timeBase = clock;
@@ -34,6 +34,7 @@ void WrittenTrack::add(const AVPacket& packet, AVRational clock) {
     keyPackets += isKey ? 1 : 0;
     mShown = std::max(mShown, packet.pts - firstPts + packet.duration);
     mDecoded = packet.dts - mFirstDts + packet.duration;
+    return stored;
 }
 
 std::int64_t WrittenTrack::duration() const {

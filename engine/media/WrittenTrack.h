@@ -1,11 +1,13 @@
 #pragma once
 
+#include "engine/files/ReadBehind.h"
 #include "engine/media/Chapters.h"
 #include "engine/media/StoredForm.h"
 #include "engine/support/AvHandles.h"
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <vector>
 
 namespace zelcore {
@@ -17,7 +19,7 @@ public:
     explicit WrittenTrack(const AVCodecParameters& parameters);
 
     /// Stamped in the clock of the track, as it goes into the muxer.
-    void add(const AVPacket& packet, AVRational clock);
+    StoredPacket add(const AVPacket& packet, AVRational clock);
 
     AVMediaType type = AVMEDIA_TYPE_UNKNOWN;
     AVCodecID codec = AV_CODEC_ID_NONE;
@@ -56,6 +58,7 @@ struct WrittenFile {
     std::vector<WrittenTrack> tracks{};
     std::vector<Chapter> chapters{};
     std::vector<std::uint8_t> cover{}; ///< its bytes
+    std::unique_ptr<ReadBehind> readBehind{};
 };
 
 } // namespace zelcore

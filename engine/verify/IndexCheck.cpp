@@ -1,7 +1,7 @@
 #include "engine/verify/IndexCheck.h"
 
+#include "engine/files/FinishedFileFault.h"
 #include "engine/media/Cover.h"
-#include "engine/verify/FinishedFileFault.h"
 
 #include <algorithm>
 #include <array>

@@ -1,21 +1,15 @@
 #include "engine/verify/PacketCheck.h"
 
+#include "engine/files/FinishedFileFault.h"
 #include "engine/platform/OsPath.h"
-#include "engine/support/ContentHash.h"
-#include "engine/verify/FinishedFileFault.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
 #include <system_error>
 
 namespace zelcore {
 
 namespace {
 
-// What is read past the cache has to lie on such places, in the file and in memory.
-constexpr std::size_t kAlignment = 4096;
-constexpr std::size_t kBlock = 256 * 1024; // stays in the processor's cache until it is hashed
 constexpr std::size_t kDirectBlock = 1024 * 1024;
 constexpr std::uint64_t kChunk = 4 * 1024 * 1024;
 // Up to here the disk is waited for: the whole file comes from it.
@@ -23,67 +17,9 @@ constexpr std::size_t kSmallFile = 4;
 
 } // namespace
 
-/// A window over the file that moves forward.
-class PacketCheck::Reader {
-public:
-    struct AlignedDelete {
-        void operator()(std::uint8_t* memory) const {
-            ::operator delete (memory, std::align_val_t{kAlignment});
-        }
-    };
-    using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
-    static AlignedBytes alignedBytes(std::size_t size) {
-        return AlignedBytes(
-            static_cast<std::uint8_t*>(::operator new (size, std::align_val_t{kAlignment})));
-    }
-
-    Reader(const OsFile& file, std::size_t size)
-        : mFile(file), mSize(size), mBytes(alignedBytes(size)) {}
-
-    std::uint64_t hashOf(const StoredSample& sample) {
-        std::uint64_t position = sample.position;
-        std::size_t left = sample.size;
-        mHash.restart();
-        while (left > 0) {
-            if (position < mBegin || position >= mEnd) {
-                read(position);
-            }
-            const std::uint8_t* bytes = mBytes.get() + (position - mBegin);
-            const auto size = std::min<std::size_t>(left, mEnd - position);
-            if (size == sample.size) {
-                return zelcore::hashOf(bytes, size);
-            }
-            mHash.add(bytes, size);
-            position += size;
-            left -= size;
-        }
-        return mHash.value();
-    }
-
-private:
-    void read(std::uint64_t position) {
-        mBegin = position / kAlignment * kAlignment;
-        int error = 0;
-        const std::int64_t got = mFile.readAt(mBegin, mBytes.get(), mSize, error);
-        if (got < 0) {
-            throwFinishedFileFault("cannot be read: " + systemErrorText(error));
-        }
-        mEnd = mBegin + static_cast<std::uint64_t>(got);
-        if (position >= mEnd) {
-            throwFinishedFileFault("is cut short");
-        }
-    }
-
-    const OsFile& mFile;
-    const std::size_t mSize;
-    const AlignedBytes mBytes;
-    std::uint64_t mBegin = 0;
-    std::uint64_t mEnd = 0;
-    RunningHash mHash;
-};
-
 PacketCheck::PacketCheck(const std::string& path, const OsFile& file,
-                         std::vector<StoredSample> samples, const StopFlag& stop)
+                         std::vector<StoredSample> samples, std::size_t readBefore,
+                         const StopFlag& stop)
     : mFile(file), mSamples(std::move(samples)), mStop(stop) {
     std::uint64_t end = 0;
     for (std::size_t sample = 0; sample < mSamples.size(); ++sample) {
@@ -93,11 +29,16 @@ PacketCheck::PacketCheck(const std::string& path, const OsFile& file,
         }
     }
     openPastCache(path);
-    if (mChunks.size() > kSmallFile) {
-        startThread(mFile, kBlock);
-        if (mPastCache.isOpen()) {
-            startThread(mPastCache, kDirectBlock);
-        }
+    if (mChunks.size() <= kSmallFile) {
+        return;
+    }
+    while (mReadBefore + 1 < mChunks.size() && mChunks[mReadBefore + 1] <= readBefore) {
+        mReadBefore++;
+    }
+    mNext = mReadBefore;
+    startThread(mFile, StoredReader::kBlock, Share::Rest);
+    if (mPastCache.isOpen()) {
+        startThread(mPastCache, kDirectBlock, mReadBefore > 0 ? Share::ReadBefore : Share::Rest);
     }
 }
 
@@ -107,8 +48,8 @@ void PacketCheck::openPastCache(const std::string& path) {
     }
     // Some file systems say only now that they have no such thing.
     int error = 0;
-    const auto first = Reader::alignedBytes(kAlignment);
-    if (mPastCache.readAt(0, first.get(), kAlignment, error) < 0) {
+    const auto first = StoredReader::alignedBytes(StoredReader::kAlignment);
+    if (mPastCache.readAt(0, first.get(), StoredReader::kAlignment, error) < 0) {
         mPastCache.close();
     }
 }
@@ -120,26 +61,32 @@ PacketCheck::~PacketCheck() {
     }
 }
 
-void PacketCheck::startThread(const OsFile& file, std::size_t blockSize) {
+void PacketCheck::startThread(const OsFile& file, std::size_t blockSize, Share share) {
     try {
-        mThreads.emplace_back([this, &file, blockSize] {
+        mThreads.emplace_back([this, &file, blockSize, share] {
             prepareEngineThread("zel-verify");
-            work(file, blockSize);
+            work(file, blockSize, share);
         });
     } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch)
         // No thread to be had: finish() does all of it.
     }
 }
 
-void PacketCheck::work(const OsFile& file, std::size_t blockSize) noexcept {
+std::size_t PacketCheck::nextChunk(Share share) {
+    if (share == Share::Rest) {
+        return mNext++;
+    }
+    const std::size_t chunk = mNextReadBefore++;
+    return mIsRestDone || chunk >= mReadBefore ? mChunks.size() : chunk;
+}
+
+void PacketCheck::work(const OsFile& file, std::size_t blockSize, Share share) noexcept {
     try {
-        Reader reader(file, blockSize);
-        while (!mIsEnding && !mStop.isRaised()) {
-            const std::size_t chunk = mNext++;
-            if (chunk >= mChunks.size()) {
-                return;
-            }
-            checkNext(reader, chunk);
+        StoredReader reader(file, blockSize);
+        std::size_t chunk = nextChunk(share);
+        while (chunk < mChunks.size() && !mIsEnding && !mStop.isRaised()) {
+            check(reader, chunk);
+            chunk = nextChunk(share);
         }
     } catch (const std::exception& fault) {
         mIsEnding = true;
@@ -151,7 +98,7 @@ void PacketCheck::work(const OsFile& file, std::size_t blockSize) noexcept {
     }
 }
 
-void PacketCheck::checkNext(Reader& reader, std::size_t chunk) const {
+void PacketCheck::check(StoredReader& reader, std::size_t chunk) const {
     const std::size_t end = chunk + 1 < mChunks.size() ? mChunks[chunk + 1] : mSamples.size();
     for (std::size_t i = mChunks[chunk]; i < end && !mIsEnding && !mStop.isRaised(); ++i) {
         const StoredSample& sample = mSamples[i];
@@ -164,7 +111,8 @@ void PacketCheck::checkNext(Reader& reader, std::size_t chunk) const {
 
 void PacketCheck::finish() {
     const bool isSmall = mThreads.empty() && mPastCache.isOpen() && mChunks.size() <= kSmallFile;
-    work(isSmall ? mPastCache : mFile, isSmall ? kDirectBlock : kBlock);
+    work(isSmall ? mPastCache : mFile, isSmall ? kDirectBlock : StoredReader::kBlock, Share::Rest);
+    mIsRestDone = true;
     for (std::thread& thread : mThreads) {
         thread.join();
     }

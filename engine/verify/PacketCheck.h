@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/platform/OsFile.h"
+#include "engine/files/StoredReader.h"
 #include "engine/support/StopFlag.h"
 
 #include <atomic>
@@ -12,21 +12,15 @@
 
 namespace zelcore {
 
-/// A packet in a finished file: where the index has it, and the bytes that were written, by hash.
-struct StoredSample {
-    std::uint64_t position = 0;
-    std::uint64_t hash = 0;
-    std::uint32_t size = 0;
-};
-
-/// Reads all packets of a finished file and compares them with what was written. Some threads read
+/// Reads the packets of a finished file and compares them with what was written. Some threads read
 /// through the system's cache, one past it: a part of the file really comes from the disk, as large
 /// as the disk allows without being waited for, and all of it where the file is small.
 class PacketCheck {
 public:
-    /// `samples` in the order of their places. Begins at once.
+    /// `samples` in the order of their places; the first `readBefore` were read back once already,
+    /// and are read again only as far as the disk allows meanwhile. Begins at once.
     PacketCheck(const std::string& path, const OsFile& file, std::vector<StoredSample> samples,
-                const StopFlag& stop);
+                std::size_t readBefore, const StopFlag& stop);
     PacketCheck(const PacketCheck&) = delete;
     PacketCheck& operator=(const PacketCheck&) = delete;
     ~PacketCheck();
@@ -35,18 +29,23 @@ public:
     void finish();
 
 private:
-    class Reader;
-    void work(const OsFile& file, std::size_t blockSize) noexcept;
-    void checkNext(Reader& reader, std::size_t chunk) const;
+    /// All chunks that nobody else took, or those that were read before while others do that.
+    enum class Share { Rest, ReadBefore };
+    void work(const OsFile& file, std::size_t blockSize, Share share) noexcept;
+    std::size_t nextChunk(Share share);
+    void check(StoredReader& reader, std::size_t chunk) const;
     void openPastCache(const std::string& path);
-    void startThread(const OsFile& file, std::size_t blockSize);
+    void startThread(const OsFile& file, std::size_t blockSize, Share share);
 
     const OsFile& mFile;
     OsFile mPastCache;
     const std::vector<StoredSample> mSamples;
     std::vector<std::size_t> mChunks; ///< the first sample of each
     const StopFlag& mStop;
+    std::size_t mReadBefore = 0; ///< chunks
     std::atomic<std::size_t> mNext{0};
+    std::atomic<std::size_t> mNextReadBefore{0};
+    std::atomic<bool> mIsRestDone{false};
     std::atomic<bool> mIsEnding{false};
     std::mutex mMutex;
     std::string mFault; ///< guarded by mMutex

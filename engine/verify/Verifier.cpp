@@ -1,7 +1,8 @@
 #include "engine/verify/Verifier.h"
 
+#include "engine/files/FinishedFileFault.h"
+#include "engine/support/Trace.h"
 #include "engine/verify/DecodingCheck.h"
-#include "engine/verify/FinishedFileFault.h"
 #include "engine/verify/IndexCheck.h"
 
 #include <algorithm>
@@ -71,7 +72,12 @@ void verify(const DestinationFile& destination, const WrittenFile& written, cons
     IndexCheck index(file, size, written, stop);
     std::vector<StoredSample> samples = index.samples(frame.indexBegin());
     const std::uint64_t firstPacket = samples.front().position;
-    PacketCheck packets(destination.temporaryPath(), file, std::move(samples), stop);
+    // What was read back before counts while nobody has touched the file since.
+    const bool isUntouched = state == destination.closedState() && written.readBehind != nullptr;
+    const std::size_t readBefore = isUntouched ? written.readBehind->countOf(samples) : 0;
+    trace(TraceLevel::Debug,
+          text(readBefore, " of ", samples.size(), " packets were read back while writing"));
+    PacketCheck packets(destination.temporaryPath(), file, std::move(samples), readBefore, stop);
     compareFrame(file, frame, firstPacket, size, stop);
     index.compareTimes();
     packets.finish();

@@ -131,27 +131,47 @@ TEST_P(Verification, NoticesEveryDamageBetweenWritingAndReopening) {
     EXPECT_TRUE(isPassed(mContent));
 }
 
-TEST_P(Verification, PassesAnIndexThatIsMendedOnTheDisk) {
-    DestinationFile file(mFolder / "long.mp4", {}, mStop);
-    Muxer muxer(file, GetParam());
-    const auto sound = owned<ParametersPtr>(avcodec_parameters_alloc());
-    sound->codec_type = AVMEDIA_TYPE_AUDIO;
-    sound->codec_id = AV_CODEC_ID_MP3;
-    sound->sample_rate = 48000;
-    av_channel_layout_default(&sound->ch_layout, 2);
-    muxer.addTrack(*sound, {1, 48000});
-    muxer.writeHeader();
-    const PacketPtr packet = makePacket();
-    for (int i = 0; i < 100'000; ++i) {
-        require(av_new_packet(packet.get(), 1 + i % 99), "packet");
-        std::fill_n(packet->data, packet->size, static_cast<std::uint8_t>(i));
-        packet->pts = std::int64_t{i} * 1152 + i % 7;
-        packet->duration = 1152;
-        muxer.write(0, *packet, {1, 48000});
+// Its index is mended on the disk, and its packets are read back while others are written.
+TEST_P(Verification, LooksAtALongFileAsCloselyAsAtAShortOne) {
+    enum class Damaged { Never, WhileItIsWritten, WhenItIsClosed };
+    using enum Damaged;
+    for (const Damaged damaged : {Never, WhileItIsWritten, WhenItIsClosed}) {
+        DestinationFile file(mFolder / "long.mp4", {}, mStop);
+        const auto damage = [&] {
+            std::fstream open(file.temporaryPath(), std::ios::in | std::ios::out);
+            EXPECT_TRUE(open.seekp(60'000'000).write("damage", 6).flush());
+        };
+        Muxer muxer(file, GetParam());
+        const auto sound = owned<ParametersPtr>(avcodec_parameters_alloc());
+        sound->codec_type = AVMEDIA_TYPE_AUDIO;
+        sound->codec_id = AV_CODEC_ID_MP3;
+        sound->sample_rate = 48000;
+        av_channel_layout_default(&sound->ch_layout, 2);
+        muxer.addTrack(*sound, {1, 48000});
+        muxer.writeHeader();
+        const PacketPtr packet = makePacket();
+        for (int i = 0; i < 100'000; ++i) {
+            require(av_new_packet(packet.get(), 851 + i % 99), "packet");
+            std::fill_n(packet->data, packet->size, static_cast<std::uint8_t>(i));
+            packet->pts = std::int64_t{i} * 1152 + i % 7;
+            packet->duration = 1152;
+            muxer.write(0, *packet, {1, 48000});
+            if (i == 70'000 && damaged == WhileItIsWritten) {
+                damage();
+            }
+        }
+        muxer.finish();
+        file.closeDurably();
+        const WrittenFile written = muxer.takeWritten();
+        if (damaged == WhenItIsClosed) {
+            damage();
+        }
+        if (damaged == Never) {
+            EXPECT_NO_THROW(verify(file, written, mStop));
+        } else {
+            EXPECT_THROW(verify(file, written, mStop), Failure);
+        }
     }
-    muxer.finish();
-    file.closeDurably();
-    EXPECT_NO_THROW(verify(file, muxer.takeWritten(), mStop));
 }
 
 INSTANTIATE_TEST_SUITE_P(IndexBehindAndInFront, Verification, ::testing::Bool());
