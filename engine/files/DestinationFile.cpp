@@ -246,11 +246,14 @@ void DestinationFile::fail(int error, const char* doing) const {
 
 void DestinationFile::closeDurably() {
     throwIfFailed();
-    if (const int error = mFile.syncToDisk(); error != 0) {
-        fail(error, "writing it to the disk");
-    }
+    // From here on every change shows. Where it cannot, no state counts as the one that was closed.
+    const bool showsChanges = mFile.backdate() == 0;
     if (const int error = mFile.state(mClosedState); error != 0) {
         fail(error, "looking at it");
+    }
+    mClosedState.size = showsChanges ? mClosedState.size : UINT64_MAX;
+    if (const int error = mFile.syncToDisk(); error != 0) {
+        fail(error, "writing it to the disk");
     }
     if (const int error = OsFile::openInUse(mTemporary, mHold); error != 0) {
         fail(error, "opening it again");

@@ -67,6 +67,9 @@ public:
     /// Everything written is on the disk when this returns 0.
     int syncToDisk() const;
     int state(FileState& state) const;
+    /// Sets the time of the last change a second back, so that the next change shows in it however
+    /// coarse the system's clock is.
+    int backdate() const;
     /// Takes away from others what a file of that name does not allow them either; a file that is
     /// not there allows everything. On Windows nothing: what counts there is the folder.
     int narrowPermissions(const std::string& like) const;

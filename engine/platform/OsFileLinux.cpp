@@ -1,6 +1,7 @@
 #include "engine/platform/OsFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -193,6 +194,16 @@ int OsFile::syncToDisk() const {
         }
     }
     return 0;
+}
+
+int OsFile::backdate() const {
+    struct stat status {};
+    if (::fstat(static_cast<int>(mHandle), &status) != 0) {
+        return errno;
+    }
+    const std::array<timespec, 2> times{
+        {{0, UTIME_OMIT}, {status.st_mtim.tv_sec - 1, status.st_mtim.tv_nsec}}};
+    return ::futimens(static_cast<int>(mHandle), times.data()) == 0 ? 0 : errno;
 }
 
 int OsFile::state(FileState& state) const {

@@ -161,6 +161,18 @@ int OsFile::syncToDisk() const {
     return FlushFileBuffers(toHandle(mHandle)) != 0 ? 0 : lastErrno();
 }
 
+int OsFile::backdate() const {
+    constexpr std::uint64_t kSecond = 10'000'000;
+    FILETIME written{};
+    if (GetFileTime(toHandle(mHandle), nullptr, nullptr, &written) == 0) {
+        return lastErrno();
+    }
+    ULARGE_INTEGER time{{written.dwLowDateTime, written.dwHighDateTime}};
+    time.QuadPart -= kSecond;
+    written = {time.LowPart, time.HighPart};
+    return SetFileTime(toHandle(mHandle), nullptr, nullptr, &written) != 0 ? 0 : lastErrno();
+}
+
 int OsFile::state(FileState& state) const {
     state = {};
     if (GetFileType(toHandle(mHandle)) != FILE_TYPE_DISK) {
