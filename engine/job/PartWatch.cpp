@@ -87,6 +87,7 @@ bool PartWatch::lookAtPlanned(Stream& stream, AVPacket& packet) {
     if (stream.check != nullptr) {
         refuseToCopyWhatChanges(stream, packet);
     }
+    stream.hasKey = stream.hasKey || (packet.flags & AV_PKT_FLAG_KEY) != 0;
     const bool isUntimed = packet.dts == kNoTime && packet.pts == kNoTime;
     if (isUntimed && stream.check != nullptr && stream.end != kNoTime) {
         packet.dts = av_rescale_q(stream.end, kTicks, stream.stream->time_base);
@@ -118,6 +119,9 @@ void PartWatch::refuseToCopyWhatChanges(Stream& stream, const AVPacket& packet) 
                         std::memcmp(header, known.extradata, size) != 0);
     if (isNew || stream.shape->changesHeader(packet)) {
         throw NotCopyable{stream.track, "its codec data changes on the way"};
+    }
+    if (stream.shape->isPartOfFrame(packet)) {
+        throw NotCopyable{stream.track, "its frames are not whole"};
     }
     const bool isDiscarded = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
     if (isDiscarded && stream.hasShown) {
@@ -163,6 +167,9 @@ void PartWatch::end() {
             each.check->end();
             if (each.check->hasDecodedNothing()) {
                 throw NotCopyable{each.track, "nothing of it decodes"};
+            }
+            if (each.end != kNoTime && !each.hasKey) {
+                throw NotCopyable{each.track, "no player finds a picture to begin with"};
             }
         }
     }

@@ -40,6 +40,7 @@ private:
         Ticks end = kNoTime;   ///< of its packets so far, on the part's clock
         int inDoubt = 0;       ///< packets to come that may show a gap
         bool hasShown = false; ///< a packet that is not to be discarded
+        bool hasKey = false;   ///< a packet that a player can begin with
         std::unique_ptr<PacketShape> shape{};
         std::unique_ptr<CopyCheck> check{};
     };

@@ -1,6 +1,7 @@
 #include "engine/media/Source.h"
 
 #include "engine/files/DeclaredSize.h"
+#include "engine/platform/OsPath.h"
 #include "engine/support/Trace.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cerrno>
 #include <cstring>
 #include <span>
-#include <utility>
 
 namespace zelcore {
 
@@ -48,10 +48,12 @@ bool isEncrypted(const AVStream* stream) {
            av_stream_get_side_data(stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
 }
 
-bool isMemoryShort() {
-    constexpr std::size_t kMoreThanAPacket = 64U << 20U;
-    const std::unique_ptr<void, AvFreeObject<av_free>> probe(av_malloc(kMoreThanAPacket));
-    return probe == nullptr;
+/// Demuxers step over what they have no memory for as if it were damaged; then only errno tells. It
+/// may tell so without need, where the C library finds the memory elsewhere. While there is room
+/// for more than any demuxer takes at a time, nothing has failed for want of it.
+bool isMemoryShort(int result) {
+    constexpr std::size_t kMostAtATime = 320U << 20U;
+    return (result == AVERROR(ENOMEM) || errno == ENOMEM) && !isMemoryLeft(kMostAtATime);
 }
 
 int isStopRaised(void* stop) {
@@ -163,6 +165,7 @@ void Source::openDemuxer() {
     demuxer->io_open = refuseToOpen;
     // FFmpeg's callback takes no const pointer; isStopRaised only reads.
     demuxer->interrupt_callback = {isStopRaised, const_cast<StopFlag*>(&mStop)};
+    errno = 0;
     AVDictionary* options = nullptr;
     const int isSet = av_dict_set(&options, "format_whitelist", kContainers, 0);
     // On failure the context is freed and the pointer null.
@@ -171,13 +174,12 @@ void Source::openDemuxer() {
     mDemuxer.reset(demuxer);
     if (result >= 0) {
         const Complaints::Listening listening(mComplaints, *mDemuxer);
-        errno = 0;
         result = avformat_find_stream_info(mDemuxer.get(), nullptr);
-        result = errno == ENOMEM && isMemoryShort() ? AVERROR(ENOMEM) : result;
     }
+    const bool isShort = isMemoryShort(result);
     mStop.throwIfRaised();
     mFile->throwIfUnsound();
-    if (result == AVERROR(ENOMEM) && isMemoryShort()) {
+    if (isShort) {
         throw std::bad_alloc();
     }
     if (result < 0 && lacksIndex(*mFile)) {
@@ -254,7 +256,6 @@ bool Source::read(AVPacket& packet) {
         const int result = readOnce(packet);
         const std::int64_t after = avio_tell(mDemuxer->pb);
         if (result >= 0) {
-            mIsMemoryAsked = false;
             mBlockTimes->restore(packet, *mDemuxer->streams[packet.stream_index]);
             if (mSkippedFrom) {
                 mComplaints.add(static_cast<std::int64_t>(*mSkippedFrom));
@@ -289,13 +290,8 @@ int Source::readOnce(AVPacket& packet) {
     mStop.throwIfRaised();
     errno = 0;
     const int result = av_read_frame(mDemuxer.get(), &packet);
-    // Demuxers take what they have no memory for as damaged, and step over it. But a damaged size
-    // may also ask for more than there ever is.
-    if (result == AVERROR(ENOMEM) || errno == ENOMEM) {
-        if (!std::exchange(mIsMemoryAsked, true) && isMemoryShort()) {
-            throw std::bad_alloc();
-        }
-        mComplaints.add(avio_tell(mDemuxer->pb));
+    if (isMemoryShort(result)) {
+        throw std::bad_alloc();
     }
     if (result < 0 && result != AVERROR_EXIT) {
         mFile->throwIfUnsound();

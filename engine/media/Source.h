@@ -86,7 +86,6 @@ private:
     DemuxerPtr mDemuxer;
     std::optional<BlockTimes> mBlockTimes; ///< of an open source
     Complaints mComplaints;
-    bool mIsMemoryAsked = false;               ///< since the last packet; asking costs time
     std::optional<std::uint64_t> mSkippedFrom; ///< nothing was recognised from here on
     std::uint64_t mDeclaredEnd = 0;
     std::uint64_t mMissingBytes = 0;

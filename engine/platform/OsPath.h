@@ -36,6 +36,8 @@ std::vector<std::string> namesIn(const std::string& folder, const std::string& p
                                  const std::string& suffix);
 
 std::uint32_t currentProcessId();
+/// Whether the system has a piece of memory of that size left.
+bool isMemoryLeft(std::size_t size);
 /// Names the calling thread for debuggers, and keeps the program's signals away from it.
 void prepareEngineThread(const char* name);
 /// For an end by quick_exit, which runs no destructors. Windows runs them then, too: nothing to do.

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <memory>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -113,6 +114,12 @@ std::vector<std::string> namesIn(const std::string& folder, const std::string& p
 
 std::uint32_t currentProcessId() {
     return static_cast<std::uint32_t>(::getpid());
+}
+
+bool isMemoryLeft(std::size_t size) {
+    void* memory =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return memory != MAP_FAILED && ::munmap(memory, size) == 0;
 }
 
 void prepareEngineThread(const char* name) {

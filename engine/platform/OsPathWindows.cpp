@@ -118,6 +118,11 @@ std::uint32_t currentProcessId() {
     return GetCurrentProcessId();
 }
 
+bool isMemoryLeft(std::size_t size) {
+    void* memory = VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    return memory != nullptr && VirtualFree(memory, 0, MEM_RELEASE) != 0;
+}
+
 void prepareEngineThread(const char* name) {
     tarn::platform::setThreadDescription(name);
 }

@@ -74,6 +74,14 @@ bool PacketShape::isUnusable(const AVPacket& packet) const {
                        head[5] >> 5U) != static_cast<unsigned>(packet.size);
 }
 
+bool PacketShape::isPartOfFrame(const AVPacket& packet) const {
+    // ETSI TS 102 366: two bits for the sample rate, of which 3 is a lower one of six blocks, and
+    // two for the number of blocks, of which 3 is six.
+    const bool isFrame = mCodec == AV_CODEC_ID_EAC3 && packet.size > 4 && packet.data[0] == 0x0B &&
+                         packet.data[1] == 0x77;
+    return isFrame && (packet.data[4] & 0xC0U) != 0xC0U && (packet.data[4] & 0x30U) != 0x30U;
+}
+
 bool PacketShape::isStart(const AVPacket& packet) const {
     if ((packet.flags & AV_PKT_FLAG_KEY) == 0) {
         return false;

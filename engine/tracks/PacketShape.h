@@ -17,6 +17,8 @@ public:
     bool looksWrong(const AVPacket& packet) const;
     /// Empty, or in a stream of ADTS frames no such frame.
     bool isUnusable(const AVPacket& packet) const;
+    /// E-AC-3 of fewer than six blocks: MP4 would want several such packets in one.
+    bool isPartOfFrame(const AVPacket& packet) const;
     /// Decoding can begin here and needs nothing that came before.
     bool isStart(const AVPacket& packet) const;
     /// The packet brings parameter sets with it that are not those of the stream's header.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 namespace zelcore {
 
@@ -22,6 +23,38 @@ CodecPtr openDecoder(const AVStream& stream) {
     decoder->pkt_timebase = kTicks;
     const int result = avcodec_open2(decoder.get(), codec, nullptr);
     return result < 0 ? CodecPtr() : std::move(decoder);
+}
+
+/// White letters, for text whose own styles are missing.
+constexpr std::string_view kPlainStyles =
+    "[Script Info]\nScriptType: v4.00+\n\n[V4+ Styles]\n"
+    "Format: Name, Fontname, Fontsize, PrimaryColour, SecondaryColour, OutlineColour, BackColour, "
+    "Bold, Italic, Underline, StrikeOut, ScaleX, ScaleY, Spacing, Angle, BorderStyle, Outline, "
+    "Shadow, Alignment, MarginL, MarginR, MarginV, Encoding\n"
+    "Style: Default,Arial,16,&Hffffff,&Hffffff,&H0,&H0,0,0,0,0,100,100,0,0,1,1,0,2,10,10,10,0\n\n"
+    "[Events]\nFormat: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n";
+
+/// Null when it refuses.
+CodecPtr openEncoder(std::string_view header) {
+    const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MOV_TEXT);
+    auto encoder = owned<CodecPtr>(avcodec_alloc_context3(codec));
+    encoder->time_base = kTextClock;
+    encoder->subtitle_header = static_cast<std::uint8_t*>(av_mallocz(header.size() + 1));
+    if (encoder->subtitle_header == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::ranges::copy(header, encoder->subtitle_header);
+    encoder->subtitle_header_size = static_cast<int>(header.size());
+    const int result = avcodec_open2(encoder.get(), codec, nullptr);
+    if (result == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
+    return result < 0 ? CodecPtr() : std::move(encoder);
+}
+
+std::string_view headerOf(const AVCodecContext& decoder) {
+    return {reinterpret_cast<const char*>(decoder.subtitle_header),
+            static_cast<std::size_t>(decoder.subtitle_header_size)};
 }
 
 /// The text of an event comes behind eight commas.
@@ -45,21 +78,15 @@ SubtitleTranscoder::SubtitleTranscoder(const TrackPlan& plan, Muxer& muxer, Loss
       mLosses(losses),
       mTrack(muxer.written().size()),
       mDecoder(openDecoder(*plan.reference)) {
-    const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MOV_TEXT);
-    mEncoder = owned<CodecPtr>(avcodec_alloc_context3(codec));
-    mEncoder->time_base = kTextClock;
     if (mDecoder != nullptr && mDecoder->subtitle_header_size > 0) {
-        const auto size = static_cast<std::size_t>(mDecoder->subtitle_header_size);
-        mEncoder->subtitle_header = static_cast<std::uint8_t*>(av_mallocz(size + 1));
-        if (mEncoder->subtitle_header == nullptr) {
-            throw std::bad_alloc();
-        }
-        std::copy_n(mDecoder->subtitle_header, size, mEncoder->subtitle_header);
-        mEncoder->subtitle_header_size = static_cast<int>(size);
+        mEncoder = openEncoder(headerOf(*mDecoder));
     }
-    if (const int result = avcodec_open2(mEncoder.get(), codec, nullptr); result < 0) {
-        throw Failure(ErrorCode::UnsupportedCodec,
-                      text("Subtitles cannot be encoded: ", ffmpegErrorText(result)));
+    if (mEncoder == nullptr) {
+        trace(TraceLevel::Warning, "The styles of a subtitle track are missing or damaged");
+        mEncoder = openEncoder(kPlainStyles);
+    }
+    if (mEncoder == nullptr) {
+        throw Failure(ErrorCode::UnsupportedCodec, "Subtitles cannot be encoded");
     }
     const auto parameters = owned<ParametersPtr>(avcodec_parameters_alloc());
     require(avcodec_parameters_from_context(parameters.get(), mEncoder.get()), "subtitles");
