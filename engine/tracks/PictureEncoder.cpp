@@ -66,7 +66,7 @@ QualityChoice choiceFor(PictureQuality quality) {
         case PictureQuality::Small:
             return {"27", 0.5};
         case PictureQuality::High:
-            return {"16", 2};
+            return {"18", 2};
         case PictureQuality::Normal:
             break;
     }
