@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 
 namespace launcher {
 namespace {
@@ -57,8 +56,14 @@ const OptionEntry* findOption(std::string_view name) {
 }
 
 bool isOneOf(std::string_view words, std::string_view word) {
-    return std::ranges::any_of(words | std::views::split('|'),
-                               [&](const auto& each) { return std::ranges::equal(each, word); });
+    for (std::size_t at = 0; at <= words.size();) {
+        const std::size_t end = std::min(words.find('|', at), words.size());
+        if (words.substr(at, end - at) == word) {
+            return true;
+        }
+        at = end + 1;
+    }
+    return false;
 }
 
 std::span<const std::string_view> allUsages() {
