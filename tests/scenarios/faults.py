@@ -57,8 +57,8 @@ class Faulty(Case):
             "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0",
         }
 
-    def convert_faulty(self, rules=""):
-        return self.run_program(*self.arguments, **self.rules(rules))
+    def convert_faulty(self, rules="", *options):
+        return self.run_program(*options, *self.arguments, **self.rules(rules))
 
     def has_source(self):
         return self.source.exists() and self.source.read_bytes() == RECORDING.read_bytes()
@@ -101,14 +101,18 @@ class Conversion(Faulty):
         ("close .part 1 1", "EIO", 20026),
         ("rename .part 1 0", "EACCES", 20023),
         ("rename .part 1 0", "ENOSPC", 20025),
+        # While what was written is moved behind the index.
+        ("read .part 2 2", "EIO", 20026, "--fast-start"),
+        ("write .part 180 180", "ENOSPC", 20025, "--fast-start"),
+        ("write .part 180 180", "drop", 20027, "--fast-start"),
     ]
 
     def test_a_failed_call_leaves_the_recording_and_an_older_destination(self):
-        for calls, error, code in filter(is_reached, self.FAILING):
+        for calls, error, code, *options in filter(is_reached, self.FAILING):
             with self.subTest(calls=calls, error=error):
                 self.again()
                 self.write("out.mp4", "older")
-                run = self.convert_faulty(f"{calls} {getattr(errno, error, error)}")
+                run = self.convert_faulty(f"{calls} {getattr(errno, error, error)}", *options)
                 self.assertEqual(run.status, 1, run)
                 self.assertIn("The conversion failed", run.errors)
                 self.assertIn(f"error {code}: ", run.errors)
