@@ -12,7 +12,8 @@ import unittest
 import zipfile
 from pathlib import Path
 
-from program import FAKES, LAUNCHER, SANITIZER, WINE, Case, library_file, linux_only, main, native
+from program import FAKES, LAUNCHER, SANITIZER, WINE, Case
+from program import library_file, linux_only, main, name_of, native
 
 READY, FAILED, REFUSED, INCOMPLETE, STOPPED = 0, 1, 2, 3, 130
 DONE = "progress 0\nprogress 55.5\nwrite done\nprogress 100\nprogress 100"
@@ -190,7 +191,7 @@ class Each(Launched):
         run = self.run_program("--engine-folder", FAKES / variant, "--each", *arguments)
         self.events = [json.loads(line) for line in run.output.splitlines()]
         ends = [event for event in self.events if event["event"] == "end"]
-        self.ends = [(Path(each["sources"][0]).name, each["result"]) for each in ends]
+        self.ends = [(name_of(each["sources"][0]), each["result"]) for each in ends]
         return run
 
     def test_every_recording_of_a_folder_becomes_a_file_whatever_becomes_of_the_others(self):
@@ -251,7 +252,7 @@ class Each(Launched):
         self.assertEqual((failure["error"], failure["reason"]), (5, "as the script says"))
         summary = self.events[-1]
         self.assertEqual((summary["event"], summary["status"]), ("summary", FAILED))
-        self.assertEqual([Path(each).name for each in summary["leftOut"]], ["done.mp4"])
+        self.assertEqual([name_of(each) for each in summary["leftOut"]], ["done.mp4"])
         self.assertRegex(run.output, r"\A[ -~\n]*\Z")
 
     def test_the_worst_status_is_that_of_the_run(self):
@@ -286,7 +287,7 @@ class Each(Launched):
             for told in ('2.mkv" stopped', 'not begun: "', "1 ready, 1 stopped, 2 not begun."):
                 self.assertIn(told, run.errors)
             summary = json.loads(run.output.splitlines()[-1])
-            self.assertEqual([Path(each).name for each in summary["notBegun"]], ["3.mkv", "4.mkv"])
+            self.assertEqual([name_of(each) for each in summary["notBegun"]], ["3.mkv", "4.mkv"])
             self.assertEqual([(self.folder / f"{i}.mp4").exists() for i in (1, 2, 3)], [1, 0, 0])
 
 

@@ -15,7 +15,7 @@ import sys
 import tempfile
 import time
 import unittest
-from pathlib import Path
+from pathlib import Path, PurePosixPath, PureWindowsPath
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("RC_BUILD", ROOT / "build/dev")).resolve()
@@ -41,6 +41,11 @@ def library_file(name):
 def native(path):
     """A path as the program under test writes it."""
     return "Z:" + str(path).replace("/", "\\") if WINE else str(path)
+
+
+def name_of(path):
+    """The file's name in a path that the program under test has written."""
+    return (PureWindowsPath if WINE else PurePosixPath)(path).name
 
 
 def seeded():
