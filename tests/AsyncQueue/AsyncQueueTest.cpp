@@ -269,5 +269,23 @@ TEST_F(AsyncQueueTest, LogsWhatATaskThrowsAndRunsTheNext) {
               "Line: 186");
 }
 
+TEST_F(AsyncQueueTest, EndsAfterASuspensionThatThrowsAndThoughEachTaskPostsAnother) {
+    testing::expectErrorLine("AsyncQueue[Q]Encountered");
+    Signal isSuspended;
+    hold();
+    post("one that waits");
+    mQueue->suspend([&] {
+        isSuspended.set();
+        throw 1;
+    });
+    release();
+    isSuspended.wait();
+    mQueue->resume();
+    std::function<void()> postNext = [&] { add("next", postNext); };
+    run("first", postNext);
+    mQueue->stop();
+    EXPECT_EQ(mQueue->pendingTaskCount(), 0U);
+}
+
 } // namespace
 } // namespace tarn
