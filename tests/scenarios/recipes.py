@@ -201,6 +201,7 @@ RECIPES = {
     "high-10.mkv": (picture(), sound(), H264_AAC.replace("yuv420p", "yuv420p10le")),
     "4-2-2.mkv": (picture(), H264.replace("yuv420p", "yuv422p")),
     "4-4-4.mkv": (picture(), H264.replace("yuv420p", "yuv444p")),
+    "lossless.mkv": (picture(), H264 + " -qp 0"),
     "upright.mp4": (picture(seconds=2), sound(2), H264_AAC),
     "sideways.mp4": ("-i {turned.mp4}", COPY, "-metadata:s:v rotate=90"),
     "turned.mp4": (picture(seconds=2, after="transpose=clock"), sound(2), H264_AAC),

@@ -78,6 +78,7 @@ TABLE = """
   high_10            high-10.mkv
   h264_4_2_2         4-2-2.mkv
   h264_4_4_4         4-4-4.mkv
+  lossless           lossless.mkv
   turned             sideways.mp4
   turned_mjpeg       sideways-mjpeg.mov
   pixel_aspect       anamorphic.mp4       copied=va

@@ -173,7 +173,7 @@ class Window(Case):
             ("write film\nprogress 100\n", finished, 0, "is ready", self.runtime),
             ("lose 2 s\nwrite film\nprogress 100\n", finished, 3, ": 2 s; the", self.runtime),
             ("error 7\n", failed, 1, "error 7: as the script says", self.runtime),
-            ("junk", failed, 1, 'source.mkv" is no recording', RUNTIME),
+            ("junk", failed, 1, f'"{self.folder}/source.mkv" is no recording', RUNTIME),
             ("hold\n", "await=viewStart close", 130, "Stopped: nothing was", self.runtime),
             ("hold\n", "await=viewStart quit", 130, "Stopped: nothing was", self.runtime),
         ):
