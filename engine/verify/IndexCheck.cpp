@@ -141,6 +141,11 @@ void IndexCheck::compareTrack(const AVStream& stream, const WrittenTrack& track)
 
 std::vector<StoredSample> IndexCheck::samples(std::uint64_t end) const {
     std::vector<StoredSample> samples;
+    int all = 0;
+    for (std::size_t i = 0; i < mTracks.size(); ++i) {
+        all += avformat_index_get_entries_count(mDemuxer->streams[i]);
+    }
+    samples.reserve(static_cast<std::size_t>(all)); // a long recording has a million
     for (std::size_t i = 0; i < mTracks.size(); ++i) {
         const auto& hashes = mTracks[i]->hashes;
         auto hash = hashes.begin();
