@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes the pictures of the toast in docs/: each view in both themes, and in Arabic, of real runs on
-# a screen of their own. Of a build for Windows with Qt each view once, under Wine.
+# Takes the pictures in docs/, of real runs on a screen of their own: a conversion in a terminal, and
+# each view of the toast in both themes, and in Arabic. Of a build for Windows with Qt each view once, under Wine.
 # Usage: scripts/screenshots.sh [BUILD_FOLDER [PICTURE_FOLDER]]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -83,12 +83,33 @@ views() {
     picture "failed-$name" broken.mkv "$@"
 }
 
+# A conversion in a terminal, when its bar is at about a third.
+terminal() {
+    local window
+    cp "$work/long.mkv" "$work/meeting.mkv"
+    # shellcheck disable=SC2016 # the words are for the terminal's shell
+    (cd "$work" && PATH="$OLDPWD/$build/bin:$PATH" exec xterm -geometry 84x4 -fa "DejaVu Sans Mono" \
+        -fs 11 -bg "#101418" -fg "#e0e0e0" -T rc-terminal -e sh -c \
+        'echo "$ record-converter --no-window meeting.mkv"
+        script -qfec "record-converter --no-window meeting.mkv" typescript') &
+    run=$!
+    until grep -qsE " 3[0-9] %" "$work/typescript"; do
+        sleep 0.1
+        kill -0 "$run"
+    done
+    window=$(xdotool search --name '^rc-terminal$')
+    import -window "$window" -strip "$pictures/terminal.png"
+    end_run
+    echo "$pictures/terminal.png"
+}
+
 mkdir -p "$pictures"
 export LANG=en_US.UTF-8
 if [ "${#program[@]}" -gt 1 ]; then
     views windows --theme light
     exit
 fi
+terminal
 views light --theme light
 views dark --theme dark
 export LANG=ar_EG.UTF-8

@@ -13,7 +13,7 @@ packages_build=(
     qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml
     qml6-module-qtqml-models qml6-module-qtqml-workerscript
     qt6-qpa-plugins fonts-dejavu-core
-    libgl1-mesa-dri xvfb xauth x11-utils xdotool imagemagick ffmpeg
+    libgl1-mesa-dri xvfb xauth x11-utils xdotool xterm imagemagick ffmpeg
 )
 packages_test=(
     libgtest-dev libgmock-dev googletest
