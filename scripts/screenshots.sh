@@ -34,8 +34,8 @@ export XDG_DATA_HOME=$work/data
 
 # One that takes a while, as it must be encoded anew, one that is copied, one that is none.
 ffmpeg -hide_banner -loglevel error \
-    -f lavfi -i testsrc2=size=1280x720:rate=30:duration=45 -c:v libvpx -deadline realtime \
-    -cpu-used 8 "$work/long.mkv"
+    -f lavfi -i testsrc2=size=1280x720:rate=30:duration=45 -c:v mjpeg -q:v 5 \
+    "$work/long.mkv"
 ffmpeg -hide_banner -loglevel error \
     -f lavfi -i testsrc2=size=320x180:rate=25:duration=2 -c:v libx264 "$work/short.mkv"
 echo "no recording" >"$work/broken.mkv"
@@ -51,7 +51,7 @@ unset QT_QPA_PLATFORM WAYLAND_DISPLAY LC_ALL LANGUAGE
 picture() {
     local name=$1 source=$2 waited=0 geometry left top width
     shift 2
-    "${program[@]}" "$@" "$work/$source" "$work/result.mp4" 2>"$work/program.log" &
+    "${program[@]}" "$@" --overwrite "$work/$source" "$work/result.mp4" 2>"$work/program.log" &
     run=$!
     until LC_ALL=C xwininfo -name Obrix >/dev/null 2>&1; do
         sleep 0.1
@@ -88,7 +88,7 @@ terminal() {
     local window
     cp "$work/long.mkv" "$work/meeting.mkv"
     # shellcheck disable=SC2016 # the words are for the terminal's shell
-    (cd "$work" && PATH="$OLDPWD/$build/bin:$PATH" exec xterm -geometry 84x4 -fa "DejaVu Sans Mono" \
+    (cd "$work" && LC_ALL=C.UTF-8 PATH="$OLDPWD/$build/bin:$PATH" exec xterm -geometry 84x4 -fa "DejaVu Sans Mono" \
         -fs 11 -bg "#101418" -fg "#e0e0e0" -T rc-terminal -e sh -c \
         'echo "$ record-converter --no-window meeting.mkv"
         script -qfec "record-converter --no-window meeting.mkv" typescript') &
