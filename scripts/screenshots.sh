@@ -85,10 +85,11 @@ views() {
 
 # A conversion in a terminal, when its bar is at about a third.
 terminal() {
-    local window
+    local window bin
+    bin=$(realpath "$build/bin")
     cp "$work/long.mkv" "$work/meeting.mkv"
     # shellcheck disable=SC2016 # the words are for the terminal's shell
-    (cd "$work" && LC_ALL=C.UTF-8 PATH="$OLDPWD/$build/bin:$PATH" exec xterm -geometry 84x4 -fa "DejaVu Sans Mono" \
+    (cd "$work" && LC_ALL=C.UTF-8 PATH="$bin:$PATH" exec xterm -geometry 84x4 -fa "DejaVu Sans Mono" \
         -fs 11 -bg "#101418" -fg "#e0e0e0" -T rc-terminal -e sh -c \
         'echo "$ record-converter --no-window meeting.mkv"
         script -qfec "record-converter --no-window meeting.mkv" typescript') &
