@@ -106,6 +106,7 @@ RECIPES = {
         "-c:v libaom-av1 -cpu-used 8 -usage realtime -c:a libopus",
     ),
     "mjpeg-pcm.avi": (picture(), sound(), MJPEG, "-c:a pcm_s16le"),
+    "mpeg4-mp3.avi": (picture(rate=25), sound(rate=44100), "-c:v mpeg4 -q:v 3 -c:a libmp3lame"),
     "mpeg2-mp2.mpg": (picture(rate=25), sound(), MPEG2),
     "pcm.wav": (sound(rate=44100),),
     "flac.mka": (sound(),),

@@ -31,6 +31,7 @@ TABLE = """
 * vp9_opus           vp9-opus.webm
   av1_opus           av1-opus.webm
 * mjpeg_pcm          mjpeg-pcm.avi
+  mpeg4_mp3          mpeg4-mp3.avi        copied=a
   mpeg2_mp2          mpeg2-mp2.mpg
   odd_size           odd-size.webm
   pcm                pcm.wav
