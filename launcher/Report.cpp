@@ -4,6 +4,8 @@
 #include "launcher/Say.h"
 #include "launcher/Texts.h"
 #include "log/LogCall.h"
+#include "logging/file/RunSlot.h"
+#include "platform/Identity.h"
 #include "utils/FileUtils.h"
 
 namespace launcher {
@@ -11,6 +13,20 @@ namespace {
 
 std::string whyItFailed(const Outcome& outcome) {
     return outcome.what + (outcome.reason.empty() ? "." : ": " + outcome.reason);
+}
+
+/// Other programs at work write logs beside it. This one's last line is this process's.
+std::string logOfThisRun() {
+    const tarn::FileUtils files;
+    const std::string folder = tarn::toolLogFolder();
+    const std::string mark = "[" + std::to_string(tarn::platform::processId()) + ":";
+    for (const std::string& path :
+         tarn::existingLogFiles(files, folder, tarn::currentLogFileName())) {
+        if (files.readLastLine(path).find(mark) != std::string::npos) {
+            return path;
+        }
+    }
+    return files.joinPath(folder, tarn::currentLogFileName());
 }
 
 /// Whose work it is cannot be told, so it stays.
@@ -71,8 +87,7 @@ void report(const Job& job, const Outcome& outcome) {
 }
 
 void sayWhereTheLogIs() {
-    say("The log says more: " +
-        inQuotes(tarn::FileUtils().joinPath(tarn::toolLogFolder(), tarn::currentLogFileName())));
+    say("The log says more: " + inQuotes(logOfThisRun()));
 }
 
 std::string resultText(const Job& job, const Outcome& outcome) {

@@ -132,6 +132,14 @@ class Endings(Launched):
                 self.destination.unlink(missing_ok=True)
                 self.assertEqual(self.logged("The conversion ends with status 130"), 1)
 
+    def test_a_failure_names_the_log_of_its_own_run(self):
+        first, second = self.write("a.mkv", "progress 20\nhold"), self.write("b.mkv", "error 7")
+        engine = ("--engine-folder", FAKES / "whole")
+        run = self.start("--no-window", *engine, first, self.destination)
+        run.await_text("20 %")
+        failed = self.on_fake("whole", second, self.folder / "b.mp4")
+        self.assertIn("run2_current_log.txt", failed.errors)
+
     @linux_only
     def test_a_reader_of_the_progress_that_goes_away_stops_nothing(self):
         source = self.write("a.mkv", "progress 20\nprogress 40\n" + DONE)
