@@ -37,9 +37,7 @@ BaseFileLogger::BaseFileLogger(const std::string& folder, std::int64_t size,
       mKeepWhileFailed(keepWhileFailed) {
 }
 
-BaseFileLogger::~BaseFileLogger() {
-    mFile.flush();
-}
+BaseFileLogger::~BaseFileLogger() = default;
 
 void BaseFileLogger::start(bool movePreviousRun) {
     mMovePreviousRun = movePreviousRun;
