@@ -162,12 +162,17 @@ TEST_P(Verification, LooksAtALongFileAsCloselyAsAtAShortOne) {
         }
         muxer.finish();
         file.closeDurably();
-        const WrittenFile written = muxer.takeWritten();
+        WrittenFile written = muxer.takeWritten();
         if (damaged == WhenItIsClosed) {
             damage();
         }
         if (damaged == Never) {
             EXPECT_NO_THROW(verify(file, written, mStop));
+            ++written.tracks[0].times; // the muxer made others of them
+            EXPECT_THROW(verify(file, written, mStop), Failure);
+            --written.tracks[0].times;
+            written.tracks[0].isTranscoded = true; // what an encoder makes has to decode
+            EXPECT_THROW(verify(file, written, mStop), Failure);
         } else {
             EXPECT_THROW(verify(file, written, mStop), Failure);
         }

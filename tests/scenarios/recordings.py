@@ -62,7 +62,7 @@ TABLE = """
   wrap_ts            wrap.ts
 * negative_mkv       negative.mkv         copied=va truth=h264-aac.mkv
   gap_in_sound       gap.mkv
-  overlapping_sound  overlap.flv
+  overlapping_sound  overlap.flv seams=1
   drifting_sound     drift.mkv
 
 # Codec data that changes, colours, formats, shapes
