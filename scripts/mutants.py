@@ -65,7 +65,9 @@ def failed_test(*chosen: str) -> str:
     command = ["ctest", "--preset", "dev", "--parallel", "2", "--stop-on-failure", *chosen]
     said = subprocess.run(command, cwd=COPY, capture_output=True, text=True)
     names = re.findall(r"^\s+\d+ - (\S+) \(", said.stdout, re.M)
-    return names[0] if names else "CTest itself" if said.returncode else ""
+    if said.returncode and not names:
+        sys.exit("mutants.py: CTest could not run:\n" + said.stdout + said.stderr)
+    return names[0] if names else ""
 
 
 def outcome(mutant: dict[str, str], options: argparse.Namespace) -> tuple[str, str]:
