@@ -134,7 +134,7 @@ TABLE = """
   hole_webm          hole-vp8-vorbis.webm status=3 says=damaged lost=1,3.1 truth=vp8-vorbis.webm
   lost_chunks        lost-chunks.mp4      status=3 says=damaged lost=1,3.1 truth=in-order.mp4
   late_key_ts        late-key.ts
-  noisy_h264         noisy-h264-aac.mkv   status=3 says=:.1.2.s[^;]*;.t lost=1.1,3.2 truth=h264-aac.mkv
+  noisy_h264         noisy-h264-aac.mkv   status=3 says=:.1[^;]*;.t lost=1.1,3.2 truth=h264-aac.mkv
 * noisy_vp8          noisy-vp8-vorbis.webm status=3 says=0:01 lost=1.1,3.2 truth=vp8-vorbis.webm
   dead_sound         dead-sound.mkv       status=3 says='sound from' truth=no-audio.mkv
   keyless            keyless.mkv          status=3 says='picture from' truth=sound-alone.mkv
