@@ -36,6 +36,7 @@ void EngineTest::load() {
     }
     find(mLibraries[0], "CreateMediaConverter", createConverter);
     find(mLibraries[0], "ZelStopConversions", stopConversions);
+    find(mLibraries[0], "ZelConversionEnding", conversionEnding);
     find(mLibraries[1], "ZelSetTraceSink", setTraceSink);
     find(mLibraries[1], "ZelSetTraceMaxLevel", setTraceMaxLevel);
     setTraceSink(&trace);
@@ -47,6 +48,7 @@ void EngineTest::convert(const std::vector<std::string>& sources, const std::str
     ASSERT_EQ(start(sink, sources, to), zel::kZelSuccess);
     ASSERT_NO_FATAL_FAILURE(awaitEnd(sink));
     EXPECT_THAT(sink.errors, IsEmpty());
+    EXPECT_EQ(conversionEnding(nullptr, 0), zel::kZelSuccess);
     ASSERT_GE(sink.progress.size(), 2U);
     EXPECT_TRUE(std::ranges::is_sorted(sink.progress)) << ::testing::PrintToString(sink.progress);
     EXPECT_EQ(sink.progress.front(), 0.0F);
@@ -64,6 +66,7 @@ void EngineTest::expectRefusal(std::int32_t code, const std::vector<std::string>
     ASSERT_EQ(start(sink, sources, to), zel::kZelSuccess);
     ASSERT_NO_FATAL_FAILURE(awaitEnd(sink));
     EXPECT_THAT(sink.errors, ElementsAre(code));
+    EXPECT_EQ(conversionEnding(nullptr, 0), code);
     EXPECT_EQ(trace.count(0), 1);
     EXPECT_EQ(trace.count(0, "Error " + std::to_string(code) + ": "), 1);
     EXPECT_EQ(platform::fileDetails(to).has_value(), existed);

@@ -121,6 +121,7 @@ protected:
     RecordingTraceSink trace;
     zel::CreateMediaConverterFunction createConverter = nullptr;
     zel::StopConversionsFunction stopConversions = nullptr;
+    zel::ConversionEndingFunction conversionEnding = nullptr;
     zel::SetTraceSinkFunction setTraceSink = nullptr;
     zel::SetTraceMaxLevelFunction setTraceMaxLevel = nullptr;
 

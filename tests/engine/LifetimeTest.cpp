@@ -30,6 +30,7 @@ TEST_F(Lifetime, AStopEndsAConversionWithinASecondAndLeavesNothing) {
     EXPECT_THAT(sink.errors, IsEmpty());
     EXPECT_LT(sink.progress.back(), 100.0F);
     EXPECT_EQ(tarn::platform::listFolder(folder.path())->size(), 0U);
+    EXPECT_EQ(conversionEnding(nullptr, 0), zel::kZelNotEnded);
     EXPECT_EQ(stopConversions(0), 0);
 }
 
