@@ -1,5 +1,6 @@
 #include "engine/files/DestinationFile.h"
 
+#include "engine/files/Avio.h"
 #include "engine/files/LiveTemporaries.h"
 #include "engine/files/TemporaryMark.h"
 #include "engine/platform/OsPath.h"
@@ -36,16 +37,10 @@ DestinationFile::DestinationFile(std::string destination, const std::vector<std:
     : mDestination(std::move(destination)), mFolder(folderOf(mDestination)), mStop(stop) {
     refuseUnlessFree(sources);
     removeLeftovers(sources);
-    createTemporary(sources);
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kWriteBufferSize));
-    mIo.reset(avio_alloc_context(buffer, kWriteBufferSize, 1, this, nullptr, &onWrite, &onSeek));
-    if (mIo == nullptr) {
-        av_free(buffer);
-        LiveTemporaries::instance().remove(mTemporary);
-        throw std::bad_alloc();
-    }
+    mIo = makeAvio(kWriteBufferSize, true, this, &onWrite, &onSeek);
     // Else each packet is written by a call of its own.
     mIo->min_packet_size = kWriteBufferSize;
+    createTemporary(sources);
 }
 
 DestinationFile::~DestinationFile() {
@@ -195,25 +190,7 @@ void DestinationFile::pushOutWritten() {
 
 std::int64_t DestinationFile::onSeek(void* self, std::int64_t offset, int whence) noexcept {
     auto& file = *static_cast<DestinationFile*>(self);
-    switch (whence & ~AVSEEK_FORCE) {
-        case AVSEEK_SIZE:
-            return static_cast<std::int64_t>(file.mSize);
-        case SEEK_SET:
-            break;
-        case SEEK_CUR:
-            offset += static_cast<std::int64_t>(file.mPosition);
-            break;
-        case SEEK_END:
-            offset += static_cast<std::int64_t>(file.mSize);
-            break;
-        default:
-            return AVERROR(EINVAL);
-    }
-    if (offset < 0) {
-        return AVERROR(EINVAL);
-    }
-    file.mPosition = static_cast<std::uint64_t>(offset);
-    return offset;
+    return seekWithin(file.mSize, file.mPosition, offset, whence);
 }
 
 bool isOutOfSpace(int error) {

@@ -1,5 +1,7 @@
 #include "engine/files/FileInput.h"
 
+#include "engine/files/Avio.h"
+
 #include <algorithm>
 
 namespace zelcore {
@@ -11,13 +13,10 @@ constexpr int kInputBuffer = 256 * 1024;
 } // namespace
 
 FileInput::FileInput(const OsFile& file, std::uint64_t size, const StopFlag& stop)
-    : mFile(file), mSize(size), mStop(stop) {
-    auto* buffer = static_cast<unsigned char*>(av_mallocz(kInputBuffer));
-    mIo.reset(avio_alloc_context(buffer, kInputBuffer, 0, this, &onRead, nullptr, &onSeek));
-    if (mIo == nullptr) {
-        av_free(buffer);
-        throw std::bad_alloc();
-    }
+    : mFile(file),
+      mSize(size),
+      mStop(stop),
+      mIo(makeAvio(kInputBuffer, false, this, &onRead, &onSeek)) {
 }
 
 int FileInput::onRead(void* self, std::uint8_t* buffer, int size) noexcept {
@@ -42,25 +41,7 @@ int FileInput::onRead(void* self, std::uint8_t* buffer, int size) noexcept {
 
 std::int64_t FileInput::onSeek(void* self, std::int64_t offset, int whence) noexcept {
     auto& file = *static_cast<FileInput*>(self);
-    switch (whence & ~AVSEEK_FORCE) {
-        case AVSEEK_SIZE:
-            return static_cast<std::int64_t>(file.mSize);
-        case SEEK_SET:
-            break;
-        case SEEK_CUR:
-            offset += static_cast<std::int64_t>(file.mPosition);
-            break;
-        case SEEK_END:
-            offset += static_cast<std::int64_t>(file.mSize);
-            break;
-        default:
-            return AVERROR(EINVAL);
-    }
-    if (offset < 0) {
-        return AVERROR(EINVAL);
-    }
-    file.mPosition = static_cast<std::uint64_t>(offset);
-    return offset;
+    return seekWithin(file.mSize, file.mPosition, offset, whence);
 }
 
 } // namespace zelcore

@@ -1,5 +1,6 @@
 #include "engine/files/SourceFile.h"
 
+#include "engine/files/Avio.h"
 #include "engine/platform/OsPath.h"
 
 #include <cerrno>
@@ -53,15 +54,7 @@ SourceFile::SourceFile(std::string path, const StopFlag& stop)
     if (mOpened.size == 0) {
         refuse(ErrorCode::SourceEmpty, mPath, "is empty");
     }
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kReadBufferSize));
-    if (buffer == nullptr) {
-        throw std::bad_alloc();
-    }
-    mIo.reset(avio_alloc_context(buffer, kReadBufferSize, 0, this, &onRead, nullptr, &onSeek));
-    if (mIo == nullptr) {
-        av_free(buffer);
-        throw std::bad_alloc();
-    }
+    mIo = makeAvio(kReadBufferSize, false, this, &onRead, &onSeek);
 }
 
 int SourceFile::onRead(void* self, std::uint8_t* buffer, int size) noexcept {
@@ -86,28 +79,7 @@ int SourceFile::onRead(void* self, std::uint8_t* buffer, int size) noexcept {
 
 std::int64_t SourceFile::onSeek(void* self, std::int64_t offset, int whence) noexcept {
     auto& file = *static_cast<SourceFile*>(self);
-    const auto size = static_cast<std::int64_t>(file.mOpened.size);
-    std::int64_t target = 0;
-    switch (whence & ~AVSEEK_FORCE) {
-        case AVSEEK_SIZE:
-            return size;
-        case SEEK_SET:
-            target = offset;
-            break;
-        case SEEK_CUR:
-            target = static_cast<std::int64_t>(file.mPosition) + offset;
-            break;
-        case SEEK_END:
-            target = size + offset;
-            break;
-        default:
-            return AVERROR(EINVAL);
-    }
-    if (target < 0) {
-        return AVERROR(EINVAL);
-    }
-    file.mPosition = static_cast<std::uint64_t>(target);
-    return target;
+    return seekWithin(file.mOpened.size, file.mPosition, offset, whence);
 }
 
 void SourceFile::throwIfUnsound() const {
