@@ -90,6 +90,22 @@ void sayWhereTheLogIs() {
     say("The log says more: " + inQuotes(logOfThisRun()));
 }
 
+const char* resultName(ExitStatus status) {
+    switch (status) {
+        case ExitStatus::Complete:
+            return "complete";
+        case ExitStatus::Failed:
+            return "failed";
+        case ExitStatus::Refused:
+            return "refused";
+        case ExitStatus::Incomplete:
+            return "incomplete";
+        case ExitStatus::Stopped:
+            break;
+    }
+    return "stopped";
+}
+
 std::string resultText(const Job& job, const Outcome& outcome) {
     const std::string destination = inQuotes(job.destination);
     switch (outcome.status) {

@@ -21,7 +21,10 @@ Outcome engineFailed(std::int32_t error, const std::string& reason);
 void report(const Job& job, const Outcome& outcome);
 void sayWhereTheLogIs();
 
-/// The same in a line about one of many.
+/// The status as a program reads it: "complete", "failed", "refused", "incomplete", "stopped".
+const char* resultName(ExitStatus status);
+
+/// The same as report() in a line about one of many.
 std::string resultText(const Job& job, const Outcome& outcome);
 
 } // namespace launcher

@@ -16,16 +16,15 @@ namespace {
 struct Kind {
     ExitStatus status;
     const char* words; ///< of the summary
-    const char* name;  ///< for a program
 };
 
 /// From the best to the worst.
 constexpr std::array<Kind, 5> kKinds{{
-    {ExitStatus::Complete, "ready", "complete"},
-    {ExitStatus::Incomplete, "not complete", "incomplete"},
-    {ExitStatus::Refused, "refused", "refused"},
-    {ExitStatus::Failed, "failed", "failed"},
-    {ExitStatus::Stopped, "stopped", "stopped"},
+    {ExitStatus::Complete, "ready"},
+    {ExitStatus::Incomplete, "not complete"},
+    {ExitStatus::Refused, "refused"},
+    {ExitStatus::Failed, "failed"},
+    {ExitStatus::Stopped, "stopped"},
 }};
 
 class BatchConversion {
@@ -116,7 +115,7 @@ private:
         JsonLine line("summary");
         line.add("status", static_cast<int>(status));
         for (std::size_t i = 0; i < kKinds.size(); ++i) {
-            line.add(kKinds[i].name, static_cast<std::int64_t>(mCounts[i]));
+            line.add(resultName(kKinds[i].status), static_cast<std::int64_t>(mCounts[i]));
         }
         line.add("notBegun", notBegun).add("leftOut", mPlan.leftOut).write();
     }

@@ -6,25 +6,6 @@
 #include "launcher/terminal/JsonLine.h"
 
 namespace launcher {
-namespace {
-
-const char* nameOf(ExitStatus status) {
-    switch (status) {
-        case ExitStatus::Complete:
-            return "complete";
-        case ExitStatus::Failed:
-            return "failed";
-        case ExitStatus::Refused:
-            return "refused";
-        case ExitStatus::Incomplete:
-            return "incomplete";
-        case ExitStatus::Stopped:
-            break;
-    }
-    return "stopped";
-}
-
-} // namespace
 
 void Narrator::begin(const Job& job, std::uint64_t bytes) {
     mPercent = 0;
@@ -75,7 +56,7 @@ void Narrator::endForProgram(const Job& job, const Outcome& outcome) const {
     }
     JsonLine line("end");
     line.add("status", static_cast<int>(outcome.status))
-        .add("result", nameOf(outcome.status))
+        .add("result", resultName(outcome.status))
         .add("sources", job.sources)
         .add("destination", job.destination);
     if (outcome.error != 0) {
